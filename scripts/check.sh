@@ -1,0 +1,30 @@
+#!/bin/sh
+# The checks that are too slow for every build. Stops at the first that fails.
+set -eu
+cd "$(dirname "$0")/.."
+
+step() { printf '\n== %s\n' "$*"; }
+
+scripts/setup.sh --checks
+
+step "format"
+scripts/format.sh --check
+
+step "clang, warnings as errors"
+cmake --preset clang >/dev/null
+cmake --build --preset clang
+ctest --preset clang --progress
+
+step "address and undefined behaviour sanitizers"
+cmake --preset asan >/dev/null
+cmake --build --preset asan
+ctest --preset asan --progress
+
+step "clang-tidy"
+find "$PWD/src" "$PWD/kivdb" -name '*.cpp' -print0 2>/dev/null |
+  xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 -p build/clang --quiet
+
+if [ -d fuzz ]; then
+  step "fuzzing"
+  scripts/fuzz.sh 60
+fi

@@ -1,0 +1,63 @@
+#!/bin/sh
+# demo.sh PROGRAM: analyses copies of the sample traces and shows what came out.
+set -eu
+
+program=$(realpath "$1")
+cd "$(dirname "$0")/.."
+rm -rf build/demo
+mkdir -p build/demo
+cp -R samples/. build/demo
+cd build/demo
+
+# Rows of "table rows bytes file", one per CSV file.
+tables() {
+  for file in "$1"/kiv.*.csv; do
+    table=${file%.*.csv}
+    echo "${table##*.} $(wc -l <"$file") $(wc -c <"$file") build/demo/$file"
+  done
+}
+
+show_tables() {
+  awk '
+    function grouped(n,   text) {
+      for (text = ""; length(n) > 3; n = substr(n, 1, length(n) - 3))
+        text = "," substr(n, length(n) - 2) text
+      return n text
+    }
+    BEGIN { printf "  %-12s %10s %14s  %s\n", "table", "lines", "bytes", "file" }
+    $2 > 0 { printf "  %-12s %10s %14s  %s\n", $1, grouped($2), grouped($3), $4; full++ }
+    $2 == 0 { empty = empty " " $1 }
+    END { if (empty) print "  empty:" empty }'
+}
+
+# The allocation ids with the highest peaks of live memory. A row of `memory` holds the id in its
+# 20th field and, after the label "malid", the id'"'"'s live size, total, blocks and peak.
+show_peaks() {
+  awk -F ';' '
+    FILENAME ~ /\.malid\./ { name[$3] = $5; next }
+    { for (i = 29; i < NF && $i != "malid"; i++) {}
+      if ($(i + 4) > peak[$20]) peak[$20] = $(i + 4) }
+    END { for (id in peak) if (peak[id] > 0) printf "%d %s %s\n", peak[id], id, name[id] }
+  ' "$1"/kiv.*.malid.*.csv "$1"/kiv.*.memory.*.csv | sort -rn | head -5 |
+    awk 'BEGIN { print "  highest peaks of live memory, by allocation id:" }
+         { id = $2; peak = $1; sub(/^[0-9]+ [0-9]+ /, "")
+           printf "  %12.1f KiB  %8s  %s\n", peak / 1024, id, $0 }'
+}
+
+for header in */*.kivhdr; do
+  dirname "$header"
+done | sort -u | while read -r run; do
+  input=$(cat "$run"/*.kivdat | wc -c)
+  printf '\n== %s: %s trace(s), %s KiB of records\n' "$run" \
+    "$(find "$run" -name '*.kivhdr' | wc -l)" "$((input / 1024))"
+  echo "  $ kiv -R $run"
+  start=$(date +%s%N)
+  "$program" -R "$run" >"$run.out" 2>"$run.err"
+  end=$(date +%s%N)
+  tables "$run" | show_tables
+  show_peaks "$run"
+  printf '  analysed in %d ms; messages in build/demo/%s.out and .err\n' \
+    "$(((end - start) / 1000000))" "$run"
+  printf '  SQL import script: build/demo/%s\n' "$run"/kiv.*.sql
+done
+printf '\nWhat the columns mean: docs/tables.md\n'

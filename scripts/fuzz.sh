@@ -1,0 +1,23 @@
+#!/bin/sh
+# fuzz.sh [seconds]: runs the fuzz targets for that long together (60), starting from the corpus.
+# New inputs and crashes go to build/fuzz.
+set -eu
+cd "$(dirname "$0")/.."
+
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz
+targets=$(find build/fuzz/fuzz -maxdepth 1 -name '*_fuzz' -perm -u+x | sort)
+[ -n "$targets" ] || { echo "fuzz: no targets built" >&2; exit 1; }
+each=$((${1:-60} / $(echo "$targets" | wc -l)))
+for target in $targets; do
+  name=$(basename "$target")
+  mkdir -p "build/fuzz/found/$name"
+  seeds=
+  [ ! -d "fuzz/corpus/$name" ] || seeds="fuzz/corpus/$name"
+  words=
+  [ ! -f "fuzz/$name.dict" ] || words="-dict=fuzz/$name.dict"
+  echo "== $name, $each seconds"
+  "$target" -max_total_time="$each" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+    -print_final_stats=1 -artifact_prefix="build/fuzz/found/$name-" $words \
+    "build/fuzz/found/$name" $seeds
+done
