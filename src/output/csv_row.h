@@ -1,0 +1,146 @@
+#pragma once
+
+#include <cassert>
+#include <concepts>
+#include <cstddef>
+#include <cstring>
+#include <ostream>
+#include <string_view>
+
+#include "output/decimal.h"
+#include "settings.h"
+
+namespace kiv {
+
+// One line of a CSV table under construction, the one place where numbers become text. Columns are
+// collected in a buffer and handed to the stream once per line (more often only if the line
+// outgrows the buffer). Every column is followed by data_sep; end_line() turns the last separator
+// into the line end. While a row lives nobody else writes to its stream.
+template <std::size_t capacity>
+class basic_csv_row {
+  // What put_decimal() may touch, and the separator.
+  static constexpr std::size_t number_room = max_decimal_length + 4;
+  static_assert(capacity >= number_room + 3);  // a number and what spill() keeps
+
+ public:
+  explicit basic_csv_row(std::ostream& os) : os_(os), separator_(data_sep), next_(buffer_) {}
+  basic_csv_row(const basic_csv_row&) = delete;
+  basic_csv_row& operator=(const basic_csv_row&) = delete;
+  ~basic_csv_row() { assert(next_ == buffer_ && "a row must be ended"); }
+
+  // Neighbouring numbers, checked for room together.
+  template <std::integral... T>
+  basic_csv_row& cols(T... numbers) {
+    reserve(sizeof...(T) * number_room);
+    char* out = next_;
+    ((out = put_decimal(out, numbers), *out++ = separator_), ...);
+    next_ = out;
+    return *this;
+  }
+  template <std::integral T>
+  basic_csv_row& col(T number) {
+    return cols(number);
+  }
+  basic_csv_row& col(char letter) { return raw(letter).raw(separator_); }
+  basic_csv_row& col(std::string_view text) { return raw(text).raw(separator_); }
+  basic_csv_row& col(const char* text) { return col(std::string_view(text)); }
+
+  // One column of an object and a function number, joined by fun_sep.
+  template <std::integral Object, std::integral Function>
+  basic_csv_row& col_pair(Object object, Function function) {
+    reserve(number_room);
+    next_ = put_decimal(next_, object);
+    *next_++ = fun_sep;
+    return col(function);
+  }
+
+  // Text without a separator behind it.
+  basic_csv_row& raw(std::string_view text) {
+    if (text.empty()) return *this;
+    if (text.size() > room()) {
+      flush();
+      if (text.size() > room()) {
+        hand_over(text.data(), text.size());
+        return *this;
+      }
+    }
+    std::memcpy(next_, text.data(), text.size());
+    next_ += text.size();
+    return *this;
+  }
+  basic_csv_row& raw(char letter) {
+    if (room() < 1) spill();
+    *next_++ = letter;
+    return *this;
+  }
+  template <std::integral T>
+  basic_csv_row& raw_number(T number) {
+    reserve(number_room);
+    next_ = put_decimal(next_, number);
+    return *this;
+  }
+
+  // Ends the line behind the last column.
+  void end_line() {
+    drop_separator();
+    end_text();
+  }
+  // Ends the line as it stands, for lines that end with a text.
+  void end_text() {
+    *next_++ = '\n';
+    flush();
+  }
+  // Hands over what there is without a line end; end_part() takes the last separator back.
+  void end_part_as_is() { flush(); }
+  void end_part() {
+    drop_separator();
+    flush();
+  }
+
+ private:
+  // One byte is always left for the separator behind a number, the line end, or a spilled line's
+  // last separator.
+  std::size_t room() const { return static_cast<std::size_t>(buffer_ + capacity - next_) - 2; }
+  void reserve(std::size_t bytes) {
+    if (room() < bytes) spill();
+  }
+  void drop_separator() {
+    assert(next_ != buffer_ && next_[-1] == separator_);
+    --next_;
+  }
+  void flush() {
+    hand_over(buffer_, static_cast<std::size_t>(next_ - buffer_));
+    next_ = buffer_;
+  }
+  // Straight to the buffer: a sentry per row would cost more than the row's shorter columns.
+  void hand_over(const char* text, std::size_t length) {
+    const auto count = static_cast<std::streamsize>(length);
+    if (os_.rdbuf()->sputn(text, count) != count) os_.setstate(std::ios::badbit);
+  }
+  // Keeps the last character: it may be the separator that end_line() takes back.
+  void spill() {
+    if (next_ == buffer_) return;
+    const char last = next_[-1];
+    --next_;
+    flush();
+    *next_++ = last;
+  }
+
+  char buffer_[capacity];  // NOLINT(modernize-avoid-c-arrays): uninitialised until columns come
+  std::ostream& os_;
+  const char separator_;
+  char* next_;
+};
+
+using csv_row = basic_csv_row<2048>;
+
+// Writes the columns of anything that has some, without a line end.
+template <class T>
+std::ostream& dump_columns(const T& item, std::ostream& os) {
+  csv_row row(os);
+  item.columns(row);
+  row.end_part();
+  return os;
+}
+
+}  // namespace kiv
