@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "reader/record_cursor.h"
+
+namespace kiv {
+
+class kivfile;
+
+// The data files of a trace, read one after another in the header's order. One file's bytes are in
+// memory at a time, as many as the file really holds, at most the size recorded for it.
+class data_files {
+ public:
+  // Looks at the header's list, which must outlive this.
+  void set_list(const std::vector<std::unique_ptr<kivfile>>& list, bool little_endian);
+
+  // Opens the current file and reads it. False when the list is at its end, without a message, or
+  // when the file cannot be opened. Only regular files count as files.
+  bool rd_open();
+  void rd_close();
+  bool is_open() const { return open_; }
+
+  // True when every file is read or the next one cannot be opened. Goes on to the next file that
+  // holds bytes when the current one is at its end.
+  bool eof();
+
+  // The path of the current file, empty when the list is at its end.
+  std::string current_path() const;
+
+  record_cursor& cursor() { return cursor_; }
+
+ private:
+  const kivfile* current() const;
+
+  const std::vector<std::unique_ptr<kivfile>>* list_ = nullptr;
+  std::size_t next_ = 0;  // place of the current file in the list
+  bool little_endian_ = true;
+  bool open_ = false;
+  std::unique_ptr<unsigned char[]> bytes_;
+  record_cursor cursor_;
+};
+
+}  // namespace kiv

@@ -1,0 +1,160 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "reader/byte_order.h"
+
+namespace kiv {
+
+// Where we are in the bytes of one data file. No read looks outside those bytes: a number that is
+// not wholly there keeps its value, a text ends with the file. Reads are bounded by the file, not
+// by the record, so a decoder that went wrong shows by its position at the record's end.
+class record_cursor {
+ public:
+  record_cursor() = default;
+  record_cursor(const unsigned char* bytes, std::size_t size, bool little_endian)
+      : bytes_(bytes), size_(size), little_endian_(little_endian) {}
+
+  bool at_end() const { return position_ >= size_; }
+  std::size_t position() const { return position_; }  // bytes from the start of the file
+
+  // The tag byte and the payload size that open a record; needs record_start_fits().
+  static constexpr std::size_t record_start_size = 3;
+  bool record_start_fits() const { return left() >= record_start_size; }
+  signed char read_tag() { return static_cast<signed char>(bytes_[position_++]); }
+  std::uint32_t read_size() {
+    const std::uint32_t size = load<std::uint16_t>(bytes_ + position_, little_endian_);
+    position_ += 2;
+    record_end_ = position_ + size;
+    return size;
+  }
+  bool payload_fits() const { return record_end_ <= size_; }
+  bool at_record_end() const { return position_ == record_end_; }
+  void go_to_record_end() { position_ = record_end_; }
+  void go_to_end() { position_ = size_; }
+
+  // Reads a number of `width` bytes. Widths that the target does not take, and numbers that the
+  // file does not wholly hold, leave the value unchanged; the position moves on all the same.
+  void read(std::uint32_t width, std::uint32_t& value) {
+    const unsigned char* from = take(width);
+    if (from == nullptr) return;
+    switch (width) {
+      case 1:
+        value = static_cast<std::uint32_t>(signed_byte(from));
+        break;
+      case 2:
+        value = load<std::uint16_t>(from, little_endian_);
+        break;
+      case 4:
+        value = load<std::uint32_t>(from, little_endian_);
+        break;
+      default:
+        break;
+    }
+  }
+  void read(std::uint32_t width, std::int32_t& value) {
+    const unsigned char* from = take(width);
+    if (from == nullptr) return;
+    switch (width) {
+      case 1:
+        value = signed_byte(from);
+        break;
+      case 2:
+        value = static_cast<std::int16_t>(load<std::uint16_t>(from, little_endian_));
+        break;
+      case 4:
+        value = static_cast<std::int32_t>(load<std::uint32_t>(from, little_endian_));
+        break;
+      default:
+        break;
+    }
+  }
+  // A single byte is widened to 32 bits with its sign, then to 64 without: 0xff reads as
+  // 4294967295.
+  void read(std::uint32_t width, std::uint64_t& value) {
+    const unsigned char* from = take(width);
+    if (from == nullptr) return;
+    switch (width) {
+      case 1:
+        value = static_cast<std::uint32_t>(signed_byte(from));
+        break;
+      case 2:
+        value = load<std::uint16_t>(from, little_endian_);
+        break;
+      case 4:
+        value = load<std::uint32_t>(from, little_endian_);
+        break;
+      case 8:
+        value = load<std::uint64_t>(from, little_endian_);
+        break;
+      default:
+        break;
+    }
+  }
+  void read(std::uint32_t width, std::int64_t& value) {
+    const unsigned char* from = take(width);
+    if (from == nullptr) return;
+    switch (width) {
+      case 1:
+        value = static_cast<std::uint32_t>(signed_byte(from));
+        break;
+      case 2:
+        value = static_cast<std::int16_t>(load<std::uint16_t>(from, little_endian_));
+        break;
+      case 4:
+        value = static_cast<std::int32_t>(load<std::uint32_t>(from, little_endian_));
+        break;
+      case 8:
+        value = static_cast<std::int64_t>(load<std::uint64_t>(from, little_endian_));
+        break;
+      default:
+        break;
+    }
+  }
+
+  // The characters up to the next NUL, which is passed too; looks into the file's bytes.
+  std::string_view read_text() {
+    if (left() == 0) {
+      position_ = size_ + 1;
+      return {};
+    }
+    const unsigned char* start = bytes_ + position_;
+    const void* nul = std::memchr(start, 0, left());
+    const std::size_t length =
+        nul == nullptr ? left()
+                       : static_cast<std::size_t>(static_cast<const unsigned char*>(nul) - start);
+    position_ += length + 1;
+    return {reinterpret_cast<const char*>(start), length};
+  }
+
+ private:
+  std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
+
+  // The bytes of a number, or null when it has none or the file ends before them. A read across
+  // the end leaves the position one byte behind it, which no record's end is.
+  const unsigned char* take(std::uint32_t width) {
+    if (width == 0) return nullptr;
+    if (width > left()) {
+      position_ = size_ + 1;
+      return nullptr;
+    }
+    const unsigned char* from = bytes_ + position_;
+    position_ += width;
+    return from;
+  }
+
+  static std::int32_t signed_byte(const unsigned char* from) {
+    return static_cast<signed char>(*from);
+  }
+
+  const unsigned char* bytes_ = nullptr;
+  std::size_t size_ = 0;
+  std::size_t position_ = 0;
+  std::size_t record_end_ = 0;
+  bool little_endian_ = true;
+};
+
+}  // namespace kiv
