@@ -1,0 +1,24 @@
+#pragma once
+
+#include "events/kiv_event.h"
+#include "reader/kiv_reader.h"
+
+namespace kiv {
+
+// Included by the decoders alone, so that a field read is inlined into them.
+
+inline std::uint32_t KivEvent::readelemsize() {
+  return reader_->get_elem_size(type_, next_field_++);
+}
+
+inline void KivEvent::readelem(std::uint32_t& value) { reader_->readbytes(readelemsize(), value); }
+inline void KivEvent::readelem(std::int32_t& value) { reader_->readbytes(readelemsize(), value); }
+inline void KivEvent::readelem(std::uint64_t& value) { reader_->readbytes(readelemsize(), value); }
+inline void KivEvent::readelem(std::int64_t& value) { reader_->readbytes(readelemsize(), value); }
+inline void KivEvent::readelem(std::string& text) { reader_->readbytes(readelemsize(), text); }
+
+inline void KivEvent::readloc(std::uint32_t& text_index, std::int64_t& location) {
+  reader_->readloc(readelemsize(), text_index, location);
+}
+
+}  // namespace kiv

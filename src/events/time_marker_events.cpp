@@ -1,0 +1,15 @@
+#include "events/time_marker_events.h"
+
+#include "events/event_fields.h"
+
+namespace kiv {
+
+void KivTimeStamp::setelems() {
+  readelem(tv_secs);
+  readelem(tv_nsecs);
+  time_text_ = reader()->local_time(tv_secs, tv_nsecs);
+}
+
+void KivMarker::setelems() { readelem(text); }
+
+}  // namespace kiv
