@@ -1,0 +1,154 @@
+#include "memory/kiv_reserve_id_db.h"
+
+#include <iostream>
+#include <utility>
+
+#include "analysis/kiv_process.h"
+#include "analysis/kiv_process_db.h"
+#include "events/id_events.h"
+#include "events/memory_events.h"
+#include "memory/modular.h"
+#include "output/ascending.h"
+#include "reader/kiv_reader.h"
+
+namespace kiv {
+
+namespace {
+
+constexpr std::uint64_t run_stat_divisor = 1000;
+
+live_block block_of(const auto& allocation) {
+  return {allocation.addr,     allocation.record_number(), allocation.size,
+          allocation.tot_size, allocation.color,           allocation.location_text()};
+}
+
+}  // namespace
+
+KivReserveId_db::KivReserveId_db(kiv_reader* reader)
+    : reader_(reader),
+      default_id_(std::make_unique<KivReserveId>(reader, "Unknown Malloc ID")),
+      global_(run_stat_divisor) {}
+
+KivReserveId* KivReserveId_db::get_reserve_id(std::uint32_t id) const {
+  const auto entry = ids_.find(id);
+  return entry == ids_.end() ? default_id_.get() : entry->second.get();
+}
+
+std::unique_ptr<KivReserveId> KivReserveId_db::add_reserve_id(
+    std::unique_ptr<KivReserveId> reserved) {
+  const auto [entry, added] = ids_.try_emplace(reserved->id, nullptr);
+  if (!added) {
+    std::cout << "Error mal_id " << reserved->id << " already found! \n";
+    return reserved;
+  }
+  current_ = reserved.get();
+  entry->second = std::move(reserved);
+  return nullptr;
+}
+
+void KivReserveId_db::add_color_to_reserve_id(const KivReserveIdColors& event) {
+  if (current_ != nullptr) current_->set_color(event.color, event.colorname);
+}
+
+bool KivReserveId_db::totals_differ(const char* kind, const char* field, std::uint32_t id,
+                                    std::uint64_t recorded, std::uint64_t actual) const {
+  if (recorded == actual) return false;
+  std::cout << "free_mem inconsistency " << kind << " in malid " << id << field << recorded
+            << " vs actual " << actual << '\n';
+  return true;
+}
+
+void KivReserveId_db::free_mem(std::uint32_t id, std::uint64_t tot_size_wf,
+                               std::uint64_t tot_size_nf, std::int64_t location, bool reset) {
+  KivReserveId& record = *get_reserve_id(id);
+  const KivStatSize<std::uint64_t>& wf = record.book.stat.cur_wf;
+  const KivStatSize<std::uint64_t>& nf = record.book.stat.cur_nf;
+  const bool wf_differs = totals_differ("WF", " tot_size_wf ", id, tot_size_wf, wf.tot_size);
+  const bool nf_differs = totals_differ("NF", " tot_size_nf ", id, tot_size_nf, nf.tot_size);
+
+  KivProcess& process = *reader_->cc_curr_proc();
+  process.release_wf(id, wf.size, wf.tot_size);
+  process.release_nf(id, nf.size, nf.tot_size);
+  global_.cur_wf.sub_sizes(wf.size, wf.tot_size);
+  global_.cur_mem.sub_sizes(wf.size, wf.tot_size);
+  global_.cur_nf.sub_sizes(nf.size, nf.tot_size);
+  global_.cur_mem.sub_sizes(nf.size, nf.tot_size);
+
+  const bool verbose = wf_differs || nf_differs;
+  if (reset) {
+    record.reset_id(verbose, location);
+  } else {
+    record.free_id(verbose, location);
+  }
+}
+
+bool KivReserveId_db::add_memory(const KivMallocWF& event) {
+  return event.reserve_id().with_free.add_memory(block_of(event));
+}
+
+bool KivReserveId_db::add_memory(const KivMallocNF& event) {
+  return event.reserve_id().no_free.add_memory(block_of(event));
+}
+
+std::uint64_t KivReserveId_db::update_wf(std::uint32_t size, std::uint32_t tot_size) {
+  global_.add_wf(size, tot_size);
+  return global_.rec.value;
+}
+
+std::uint64_t KivReserveId_db::update_nf(std::uint32_t size, std::uint32_t tot_size) {
+  global_.add_nf(size, tot_size);
+  return global_.rec.value;
+}
+
+std::uint64_t KivReserveId_db::update_fr(std::uint32_t size, std::uint32_t tot_size) {
+  global_.add_fr(size, tot_size);
+  return global_.rec.value;
+}
+
+std::uint64_t KivReserveId_db::count_free_of_id() {
+  global_.rec.count_event();
+  return global_.rec.value;
+}
+
+void KivReserveId_db::update_sbrk(std::uint32_t size) {
+  sbrk_.total += size;
+  ++sbrk_.count;
+}
+
+void KivReserveId_db::update_gap(std::int64_t last_end, std::int64_t new_start) {
+  gap_.total += static_cast<std::uint64_t>(wrapping_sub(new_start, last_end));
+  ++gap_.count;
+}
+
+void KivReserveId_db::heap_columns(csv_row& row) const {
+  row.cols(sbrk_.total, sbrk_.count, gap_.total, gap_.count);
+}
+
+void KivReserveId_db::check_end_time(const std::string& time, std::uint64_t records) {
+  for (const auto& [number, id] : ids_) {
+    if (!id->active) continue;
+    id->end_time = time;
+    id->end_record = records;
+  }
+}
+
+void KivReserveId_db::dump_db(std::ostream& os, std::string_view run_columns) const {
+  for (const auto* entry : in_ascending_order(ids_)) {
+    csv_row row(os);
+    row.raw(run_columns);
+    entry->second->columns(row);
+    row.end_line();
+  }
+}
+
+void KivReserveId_db::dump_db_colors(std::ostream& os, std::string_view run_columns) const {
+  for (const auto* entry : in_ascending_order(ids_)) {
+    const KivReserveId& id = *entry->second;
+    for (std::uint32_t color = 0; color < id.color_count(); ++color) {
+      csv_row row(os);
+      row.raw(run_columns).col(id.id).col(color).col(id.color_name(color)).end_line();
+    }
+  }
+}
+
+}  // namespace kiv

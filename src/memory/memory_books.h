@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+
+#include "memory/kiv_stat.h"
+
+namespace kiv {
+
+class kiv_reader;
+class KivProcess;
+class KivReserveId;
+
+// The books of one process that a memory record reaches.
+struct process_books {
+  KivStat<std::int64_t>* whole = nullptr;
+  KivStat<std::int64_t>* id = nullptr;     // the allocation id within the process
+  KivStat<std::int32_t>* color = nullptr;  // its colour; null when the id has no such colour
+
+  // The id's book takes with-free sizes modulo 2^32, the colour's all sizes.
+  void update_wf(std::uint64_t size, std::uint64_t tot_size);
+  void update_nf(std::uint64_t size, std::uint64_t tot_size);
+  void update_fr(std::uint64_t size, std::uint64_t tot_size);
+};
+
+// All books that a memory record reaches, found once per record.
+struct memory_books {
+  KivReserveId* reserve_id = nullptr;
+  KivStat<std::uint64_t>* color = nullptr;  // of the id; null when the colour has no bundle
+  process_books process;
+};
+
+// The books of an allocation id as the record of number `id` reaches them in `process`. The number
+// counts: unknown numbers share the default id, but each has a book of its own in the process.
+memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, std::uint32_t color,
+                               KivProcess& process);
+
+}  // namespace kiv
