@@ -1,0 +1,66 @@
+#pragma once
+
+#include <absl/container/flat_hash_map.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kiv {
+
+class kiv_reader;
+class KivProcess;
+class KivSymbol;
+
+// A place in the code: a function of an object, or a special location of a process.
+struct Func_loc {
+  std::uint32_t object_id = 0;  // of a special location: the process's pid
+  std::int32_t function_number = 0;
+  std::string name;
+  std::uint32_t announced = 0;  // the object's announcements up to and with this one
+
+  // The name of the object that holds the function; "(process internal)" for specials.
+  const std::string& get_obj_name(kiv_reader* reader) const;
+};
+
+// A function as one process's call graph sees it.
+class Func_rel {
+ public:
+  // `at` may be null: the number of a function that the object does not hold.
+  explicit Func_rel(const Func_loc* at) : location(at) {}
+
+  // Counts a call from this function into `callee`; the first one makes a new arc of the process.
+  // Returns the arc's number.
+  std::uint32_t update_child(Func_rel* callee, KivProcess& process);
+
+  // Attaches a symbol by its category; one of no known category is reported on the error stream.
+  void add_symbol(KivSymbol* symbol);
+
+  // Forgets arcs and symbols, which end with the process.
+  void forget_calls();
+
+  const std::string& name() const;  // empty without location
+
+  const Func_loc* const location;
+  std::uint32_t calls = 0;  // through arcs that existed already
+
+ private:
+  absl::flat_hash_map<const Func_rel*, std::uint32_t> callee_arcs_;
+  std::array<std::vector<KivSymbol*>, 4> symbols_;  // locals, arguments, externals, dynamics
+};
+
+// One caller-to-callee edge of one process; its number is its place in the process's arc table.
+struct FuncArc {
+  Func_rel* from;
+  Func_rel* to;
+  std::uint32_t count = 0;  // calls along this arc
+};
+
+// One entry of a call stack.
+struct Func_context {
+  Func_rel* function;  // null for the base of a stack without special 0
+  std::uint32_t arc;   // through which the function was entered
+};
+
+}  // namespace kiv

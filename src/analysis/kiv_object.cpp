@@ -1,0 +1,53 @@
+#include "analysis/kiv_object.h"
+
+#include "events/event_fields.h"
+#include "memory/kiv_reserve_id_db.h"
+#include "memory/reserve_type.h"
+#include "output/csv_row.h"
+
+namespace kiv {
+
+void function_table::announce(std::int32_t number, const std::string& name) {
+  functions_[number].push_front({object_id_, number, name, ++announcements_});
+}
+
+const Func_loc* function_table::find(std::int32_t number, std::uint32_t after_announcements) const {
+  const auto entry = functions_.find(number);
+  if (entry == functions_.end()) return nullptr;
+  for (const Func_loc& location : entry->second) {
+    if (location.announced <= after_announcements) return &location;
+  }
+  return nullptr;
+}
+
+void function_table::dump(std::ostream& os, std::string_view run_columns,
+                          std::string_view object_name) const {
+  for (const auto& [number, locations] : functions_) {
+    csv_row row(os);
+    row.raw(run_columns).col(object_name).col(object_id_).col(number);
+    row.col(locations.front().name).end_line();
+  }
+}
+
+void KivObjectLoad::setelems() {
+  readelem(id_of_obj);
+  functions = function_table(id_of_obj);
+  globals = function_table(id_of_obj);
+  // The allocation id's text opens with its four-letter kind, as in "oic:name".
+  name = text_from(reader()->reserve_ids().get_reserve_id(id_of_obj)->reserve_type, 4);
+  if (name == ":0:init") name = "init";
+}
+
+void KivObjectLoad::object_function_load(std::int32_t number, const std::string& function_name) {
+  functions.announce(number, function_name);
+}
+
+void KivObjectLoad::object_global_load(std::int32_t number, const std::string& function_name) {
+  globals.announce(number, function_name);
+}
+
+void KivObjectLoad::dump_funcs(std::ostream& os, std::string_view run_columns) const {
+  functions.dump(os, run_columns, name);
+}
+
+}  // namespace kiv

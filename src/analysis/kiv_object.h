@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <forward_list>
+#include <map>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "analysis/call_graph.h"
+#include "events/kiv_event.h"
+
+namespace kiv {
+
+// The functions of one object: number -> location. A number announced again gets a new location;
+// the earlier ones stay for those who looked before.
+class function_table {
+ public:
+  explicit function_table(std::uint32_t object_id) : object_id_(object_id) {}
+
+  void announce(std::int32_t number, const std::string& name);
+
+  // How many numbers have a function, and how many announcements there were.
+  std::size_t size() const { return functions_.size(); }
+  std::uint32_t announcements() const { return announcements_; }
+
+  // The location that the number had after so many announcements; null when it had none.
+  const Func_loc* find(std::int32_t number, std::uint32_t after_announcements) const;
+
+  // One row of `functions` per number in ascending order.
+  void dump(std::ostream& os, std::string_view run_columns, std::string_view object_name) const;
+
+ private:
+  std::uint32_t object_id_;
+  std::uint32_t announcements_ = 0;
+  std::map<std::int32_t, std::forward_list<Func_loc>> functions_;  // the newest location first
+};
+
+// A loaded object: the record that announces it, and its functions and Hosk functions.
+class KivObjectLoad final : public KivContext {
+ public:
+  explicit KivObjectLoad(kiv_reader* reader) : KivContext(kiv_e_object_load, reader) {}
+  // An object that no record announced.
+  KivObjectLoad(kiv_reader* reader, const char* object_name)
+      : KivContext(kiv_e_object_load, reader), name(object_name) {}
+
+  // Reads the id and takes the object's name from the allocation id of the same number.
+  void setelems() override;
+  void traceevent(std::ostream& os) const override;
+
+  void object_function_load(std::int32_t number, const std::string& function_name);
+  void object_global_load(std::int32_t number, const std::string& function_name);
+
+  // The columns of the object's `objects` row behind run id and pid.
+  void columns(csv_row& row) const { row.col(id_of_obj).col(name); }
+  std::ostream& dumpinfo(std::ostream& os) const { return dump_columns(*this, os); }
+  // The rows of `functions`; globals have none.
+  void dump_funcs(std::ostream& os, std::string_view run_columns) const;
+
+  std::uint32_t id_of_obj = 0;
+  std::string name;
+  function_table functions{0};
+  function_table globals{0};
+};
+
+}  // namespace kiv

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <absl/container/flat_hash_map.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "analysis/call_graph.h"
+
+namespace kiv {
+
+class kiv_reader;
+class KivObjectLoad;
+class function_table;
+
+// An object in one process: gives the process a Func_rel of its own for each function, so that
+// calls are counted per process. Which functions there are is settled at the first look-up; those
+// announced later are not found. A Func_rel is made when it is first asked for.
+class KivOip {
+ public:
+  KivOip(std::uint32_t object_id, kiv_reader* reader);
+
+  // Null, with a message on the error stream, for a number outside the table. The table has as
+  // many places as the object had functions; a number without function has an empty place.
+  Func_rel* find_function(std::int32_t number, bool global);
+
+ private:
+  struct table {
+    const function_table* functions;
+    std::size_t size = 0;
+    std::uint32_t announcements = 0;
+    absl::flat_hash_map<std::int32_t, std::unique_ptr<Func_rel>> relations;
+  };
+
+  void fill_func_tables();
+
+  table functions_;
+  table globals_;
+  bool filled_ = false;
+};
+
+}  // namespace kiv

@@ -1,0 +1,163 @@
+#include "analysis/kiv_process.h"
+
+#include <iostream>
+#include <utility>
+
+#include "events/process_events.h"
+#include "events/symbol_events.h"
+#include "memory/kiv_reserve_id_db.h"
+#include "reader/kiv_reader.h"
+
+namespace kiv {
+
+KivProcess::KivProcess(kiv_reader* reader, const KivProcessStart& event)
+    : main_pid_(event.get_main_pid()),
+      pid_(event.pid),
+      parent_(event.parent),
+      session_name_(event.session_name),
+      reader_(reader),
+      statistics_(id_stat_divisor),
+      root_(std::make_unique<own_function>(
+          pid_, 0, pid_ == 0 ? " process init+term" : "3gl process init+term")) {
+  add_arc(&root_->relation, &root_->relation);
+}
+
+KivProcess::KivProcess(kiv_reader* reader, int divisor)
+    : main_pid_(0),
+      pid_(0),
+      parent_(0),
+      session_name_("defaultproc"),
+      reader_(reader),
+      statistics_(divisor) {}
+
+void KivProcess::set_start(const std::string& time, std::uint64_t record) {
+  start_time_ = time;
+  start_record_ = record;
+}
+
+void KivProcess::set_end(const std::string& time, std::uint64_t record) {
+  end_time_ = time;
+  end_record_ = record;
+}
+
+KivProcess::malid_book* KivProcess::get_mc_stat(std::uint32_t malid) {
+  std::unique_ptr<malid_book>& book = malid_stats_[malid];
+  if (book == nullptr) {
+    const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
+    book = std::make_unique<malid_book>(id.color_count());
+  }
+  return book.get();
+}
+
+void KivProcess::release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {
+  get_mc_stat(malid)->clearstats();
+  const auto s = static_cast<std::int64_t>(size);
+  const auto t = static_cast<std::int64_t>(tot_size);
+  statistics_.cur_wf.sub_sizes(s, t);
+  statistics_.cur_mem.sub_sizes(s, t);
+}
+
+void KivProcess::release_nf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {
+  get_mc_stat(malid)->clearstats();
+  const auto s = static_cast<std::int64_t>(size);
+  const auto t = static_cast<std::int64_t>(tot_size);
+  statistics_.cur_nf.sub_sizes(s, t);
+  statistics_.cur_mem.sub_sizes(s, t);
+}
+
+void KivProcess::add_special(std::int32_t number, const std::string& name) {
+  std::unique_ptr<own_function>& special = specials_[static_cast<std::uint32_t>(number)];
+  if (special != nullptr) former_specials_.push_back(std::move(special));
+  special = std::make_unique<own_function>(pid_, number, name);
+}
+
+void KivProcess::link_oip(std::uint32_t object_id) {
+  std::unique_ptr<KivOip>& oip = oips_[object_id];
+  if (oip == nullptr) oip = std::make_unique<KivOip>(object_id, reader_);
+}
+
+KivOip* KivProcess::find_oip(std::uint32_t object_id) const {
+  const auto entry = oips_.find(object_id);
+  return entry == oips_.end() ? nullptr : entry->second.get();
+}
+
+void KivProcess::start_stack() {
+  const auto base = specials_.find(0);
+  s_push(base == specials_.end() ? nullptr : &base->second->relation, 0);
+  stack_started_ = true;
+}
+
+Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number, bool global) {
+  if (!stack_started_) start_stack();
+  if (number <= 0) {
+    const auto special = specials_.find(static_cast<std::uint32_t>(number));
+    return special == specials_.end() ? nullptr : &special->second->relation;
+  }
+  KivOip* oip = find_oip(object_id);
+  return oip == nullptr ? nullptr : oip->find_function(number, global);
+}
+
+void KivProcess::s_pop() {
+  if (!stack_.empty()) stack_.pop_back();
+}
+
+std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
+  arcs_.push_back({from, to});
+  return static_cast<std::uint32_t>(arcs_.size() - 1);
+}
+
+KivSymbol* KivProcess::find_symbol(std::int64_t sym) const {
+  const auto entry = symbols_.find(sym);
+  return entry == symbols_.end() ? nullptr : entry->second.get();
+}
+
+void KivProcess::symbol_new(const KivSymbolNew& event) {
+  std::unique_ptr<KivSymbol>& symbol = symbols_[event.sym];
+  if (symbol != nullptr) {
+    std::cerr << "cannot happen KivProcess::symbol_new\n";
+    return;
+  }
+  symbol = std::make_unique<KivSymbol>(event);
+}
+
+void KivProcess::symbol_alloc(const KivSymbolAlloc& event) {
+  KivSymbol* symbol = find_symbol(event.sym);
+  if (symbol == nullptr) {
+    std::cerr << "can't find sym\n";
+    return;
+  }
+  symbol->allocate(event, flow_counter_);
+  Func_rel* function = stack_.empty() ? nullptr : stack_.back().function;
+  if (function == nullptr) {
+    unattached_symbols_.push_back(symbol);
+  } else {
+    function->add_symbol(symbol);
+  }
+}
+
+void KivProcess::symbol_dims(const KivSymbolDims& event) {
+  if (KivSymbol* symbol = find_symbol(event.sym)) symbol->set_dims(event);
+}
+
+void KivProcess::symbol_dd_name(const KivSymbolDdName& event) {
+  if (KivSymbol* symbol = find_symbol(event.sym)) symbol->dd_name = event.dd_name;
+}
+
+void KivProcess::columns(csv_row& row) const {
+  row.col(main_pid_).col(pid_).col(session_name_).col(mal_id_).col(xml_id_).col(parent_);
+  row.col(start_time_).col(end_time_).col(start_record_).col(end_record_);
+}
+
+void KivProcess::free_process() {
+  stack_.clear();
+  arcs_ = {};
+  oips_.clear();
+  former_specials_.clear();
+  for (const auto& [number, special] : specials_) special->relation.forget_calls();
+  if (root_ != nullptr) root_->relation.forget_calls();
+  unattached_symbols_.clear();
+  symbols_.clear();
+  alive_ = false;
+}
+
+}  // namespace kiv

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <absl/container/btree_map.h>
+#include <absl/container/flat_hash_map.h>
+
+#include <cstdint>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/call_graph.h"
+#include "analysis/kiv_oip.h"
+#include "analysis/kiv_symbol.h"
+#include "events/event_context.h"
+#include "memory/kiv_malid_stat.h"
+#include "output/csv_row.h"
+
+namespace kiv {
+
+class KivProcessStart;
+class KivSymbolDdName;
+
+// One traced process: who it is, its memory statistics, and while it lives its linked objects,
+// call stack, arcs and symbols.
+class KivProcess {
+ public:
+  using malid_book = KivMalidStat<std::int64_t, std::int32_t>;
+
+  KivProcess(kiv_reader* reader, const KivProcessStart& event);
+  // The default process, which takes what belongs to no known, living process.
+  KivProcess(kiv_reader* reader, int divisor);
+
+  std::uint32_t pid() const { return pid_; }
+  const std::string& session_name() const { return session_name_; }
+  const std::string& internal_name() const { return internal_name_; }
+  bool alive() const { return alive_; }
+  void set_mal_id(std::uint32_t id) { mal_id_ = id; }
+  void set_xml_id(std::uint32_t id) { xml_id_ = id; }
+  void set_start(const std::string& time, std::uint64_t record);
+  void set_end(const std::string& time, std::uint64_t record);
+
+  // Memory statistics: of the process, and of one allocation id in it. The latter is made on first
+  // use with as many colours as the id has then; never null.
+  KivStat<std::int64_t>& statistics() { return statistics_; }
+  malid_book* get_mc_stat(std::uint32_t malid);
+  KivStat<std::int64_t>* get_p_m_stat(std::uint32_t malid) { return &get_mc_stat(malid)->stat; }
+  // Null for a colour that the id does not have.
+  KivStat<std::int32_t>* get_p_c_stat(std::uint32_t malid, std::uint32_t color) {
+    return get_mc_stat(malid)->get_color(color);
+  }
+  // An allocation id gives back its with-free (no-free) memory as a whole.
+  void release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size);
+  void release_nf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size);
+
+  // Code.
+  void add_special(std::int32_t number, const std::string& name);
+  void link_oip(std::uint32_t object_id);
+  KivOip* find_oip(std::uint32_t object_id) const;  // null when the object is not linked
+  // A special for numbers up to 0, else a function of a linked object; null when there is none. The
+  // first look-up puts the base entry on the call stack.
+  Func_rel* find_function(std::uint32_t object_id, std::int32_t number, bool global);
+
+  // Call flow.
+  void s_push(Func_rel* function, std::uint32_t arc) { stack_.push_back({function, arc}); }
+  void s_pop();  // nothing when the stack is empty
+  const Func_context* top() const { return stack_.empty() ? nullptr : &stack_.back(); }
+  std::uint32_t stack_depth() const { return static_cast<std::uint32_t>(stack_.size()); }
+  std::uint32_t current_arc() const { return stack_.empty() ? 0 : stack_.back().arc; }
+  std::uint32_t flow_counter() const { return flow_counter_; }
+  void count_flow() { ++flow_counter_; }
+  std::uint32_t add_arc(Func_rel* from, Func_rel* to);
+  void count_call(std::uint32_t arc) { ++arcs_[arc].count; }
+  const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
+    return number < arcs_.size() ? &arcs_[number] : nullptr;
+  }
+  const hosk_call& current_hosk_call() const { return hosk_call_; }
+  void set_hosk_call(hosk_call call) { hosk_call_ = std::move(call); }
+
+  // Symbols.
+  void symbol_new(const KivSymbolNew& event);
+  void symbol_alloc(const KivSymbolAlloc& event);
+  void symbol_dims(const KivSymbolDims& event);
+  void symbol_dd_name(const KivSymbolDdName& event);
+
+  // The rows of `flow`, `arcs`, `symbols` and `flowdata`.
+  void write_flow_row(std::uint32_t depth, std::uint32_t arc, char direction) const;
+  void dump_arcs(std::ostream& os) const;
+  void dump_symbols(std::ostream& os) const;
+  void dump_flowdata(std::ostream& os) const;
+
+  // The columns of the process's row behind run id.
+  void columns(csv_row& row) const;
+  std::ostream& dumpproc(std::ostream& os) const { return dump_columns(*this, os); }
+
+  // Gives back what the process collected. It is dead from now on; its statistics stay.
+  void free_process();
+
+ private:
+  // A function that belongs to the process itself.
+  struct own_function {
+    own_function(std::uint32_t pid, std::int32_t number, std::string name)
+        : location{pid, number, std::move(name)}, relation(&location) {}
+    const Func_loc location;
+    Func_rel relation;
+  };
+
+  void start_stack();
+  KivSymbol* find_symbol(std::int64_t sym) const;
+
+  const std::uint32_t main_pid_;
+  const std::uint32_t pid_;
+  const std::uint32_t parent_;
+  std::uint32_t mal_id_ = 0;
+  std::uint32_t xml_id_ = 0;
+  const std::string session_name_;
+  const std::string internal_name_ = "(process internal)";
+  std::string start_time_;
+  std::string end_time_;
+  std::uint64_t start_record_ = 0;
+  std::uint64_t end_record_ = 0;
+  kiv_reader* const reader_;
+
+  KivStat<std::int64_t> statistics_;
+  absl::flat_hash_map<std::uint32_t, std::unique_ptr<malid_book>> malid_stats_;
+
+  bool stack_started_ = false;
+  bool alive_ = true;
+  absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivOip>> oips_;  // by object id
+  // By number, negative ones as unsigned. An overwritten special may still stand in the call
+  // graph, so it stays until the process ends.
+  absl::flat_hash_map<std::uint32_t, std::unique_ptr<own_function>> specials_;
+  std::vector<std::unique_ptr<own_function>> former_specials_;
+  std::unique_ptr<own_function> root_;  // calls itself through arc 0; the default process has none
+  std::vector<Func_context> stack_;
+  std::vector<FuncArc> arcs_;  // by arc number
+  hosk_call hosk_call_;
+  std::uint32_t flow_counter_ = 0;
+  absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym
+  std::vector<KivSymbol*> unattached_symbols_;  // allocated while no function was on the stack
+};
+
+inline std::ostream& operator<<(std::ostream& os, const KivProcess& process) {
+  return process.dumpproc(os);
+}
+
+}  // namespace kiv
