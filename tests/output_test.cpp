@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "captured.h"
+#include "output/csv_file.h"
+#include "output/csv_file_sequence.h"
+#include "output/sql_script.h"
+#include "support/run_trace.h"
+
+namespace kiv {
+namespace {
+
+namespace fs = std::filesystem;
+using test::captured;
+using test::read_file;
+
+// A run's sequence and script in a private directory, with the standard output caught.
+class Output : public ::testing::Test {
+ protected:
+  void start(const std::string& runid, int version = 1) {
+    script.set_path(dir.path(), runid, version, true);
+  }
+  csv_file table(const char* name, const std::string& runid = "R42", bool first = true) {
+    return {&sequence, &script, name, dir.path(), runid, first};
+  }
+  std::string content(const std::string& name) { return read_file(dir / name); }
+
+  const test::temp_dir dir;
+  const captured out{std::cout};
+  csv_file_sequence sequence{"csv"};
+  sql_script script{"sql"};
+};
+
+TEST_F(Output, NumbersAreKeptPerShortName) {
+  EXPECT_EQ(sequence.next_sequence("arcs", "R42"), "kiv.R42.arcs.1.csv");
+  EXPECT_EQ(sequence.get_sequence("memory", "R42"), "kiv.R42.memory.1.csv");
+  EXPECT_EQ(sequence.next_sequence("memory", "R42"), "kiv.R42.memory.2.csv");
+  EXPECT_EQ(sequence.get_sequence("memory", "R43"), "kiv.R43.memory.2.csv");
+  EXPECT_EQ(sequence.curr_sequence("arcs", false), 1);
+}
+
+TEST_F(Output, RunIdsAreMadeSafeForFileNamesAndScripts) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"R42", "R42"},
+      {"", ""},
+      {"../../etc/x", ".._.._etc_x"},
+      {"a'; drop\n\x7f\x1f\t", "a_; drop____"},
+      {"\xC3\xA4 .", "\xC3\xA4 ."},
+      {std::string(300, 'x'), std::string(200, 'x')},
+  };
+  for (const auto& [runid, safe] : cases) EXPECT_EQ(safe_runid(runid), safe);
+  start("a'/b");
+  { const csv_file file = table("sbrk", "a'/b"); }
+  EXPECT_TRUE(fs::exists(dir / "kiv.a__b.sbrk.1.csv"));
+  EXPECT_TRUE(fs::exists(dir / "kiv.a__b.sql"));
+}
+
+TEST_F(Output, AFileEndsWithTheRowThatReachesTheLimit) {
+  start("R42");
+  csv_file file = table("memory");
+  file.set_max(100);
+  file.get_stream() << std::string(150, 'u');  // no check yet
+  EXPECT_EQ(file.get_filename(), "kiv.R42.memory.1.csv");
+  file.add_check(true);
+  for (const std::size_t size : {99U, 1U, 100U, 5U, 500U, 7U}) {
+    file.get_stream() << std::string(size, 'r');
+  }
+  file.close_file();
+  const std::size_t sizes[] = {150, 100, 100, 505, 7};
+  for (std::size_t i = 0; i < std::size(sizes); ++i) {
+    const std::string name = "kiv.R42.memory." + std::to_string(i + 1) + ".csv";
+    EXPECT_EQ(content(name).size(), sizes[i]) << name;
+    EXPECT_NE(out.text().find("csv_file: " + (dir / name) + " 1\n"), std::string::npos);
+  }
+}
+
+TEST_F(Output, ALimitBelowZeroGivesEveryRowItsFile) {
+  csv_file file = table("freemem");
+  file.add_check(true);
+  file.set_max(-2045);
+  file.get_stream() << "a\n";
+  file.get_stream() << "b\n";
+  file.close_file();
+  EXPECT_EQ(content("kiv.R42.freemem.1.csv"), "");
+  EXPECT_EQ(content("kiv.R42.freemem.2.csv"), "a\n");
+  EXPECT_EQ(content("kiv.R42.freemem.3.csv"), "b\n");
+}
+
+TEST_F(Output, LaterTracesAppendUnannouncedUntilTheySplit) {
+  start("R42");
+  table("memory").get_stream() << "old\n";
+  table("memory").get_stream() << "first\n";  // truncates
+  script.set_path(dir.path(), "R42", 7, false);
+  {
+    csv_file file = table("memory", "R42", false);
+    file.get_stream() << "second\n";
+    file.add_check(true);
+    file.set_max(13);  // what both wrote: the file counts from its size at opening
+    file.get_stream() << "third\n";
+  }
+  script.set_path(dir.path(), "R43", 0, false);
+  { csv_file(table("memory", "R43", false)).get_stream() << "fourth\n"; }
+  EXPECT_EQ(content("kiv.R42.memory.1.csv"), "first\nsecond\n");
+  EXPECT_EQ(content("kiv.R42.memory.2.csv"), "third\n");
+  EXPECT_EQ(content("kiv.R43.memory.2.csv"), "fourth\n");
+  EXPECT_NE(out.text().find("kiv.R43.memory.2.csv 0\n"), std::string::npos);
+}
+
+TEST_F(Output, ScriptStatements) {
+  { sql_script("sql").generate_import("memory", 1); }  // never set up: nowhere to write
+  {
+    sql_script own("sql");
+    own.set_path(dir.path(), "R42", 1, true);
+    own.generate_import("memory", 1);
+    own.generate_import("queryevents", 2);
+    own.generate_import("flowdata", 1);
+    own.set_path(dir.path(), "R43", 0, false);
+    own.generate_import("queries", 10);
+  }
+  EXPECT_EQ(content("kiv.R42.sql"),
+            "USE KIV\nDECLARE @RUNID varchar(10)\nDECLARE @Path varchar(100)\n\n"
+            "SET @RUNID = 'R42'\nSET @Path = '$(ScriptDir)\\'\n\n"
+            "execute Do_Import_Kiv_Csv_File_Memory @Path, 'R42', 'memory1', 'memory', '1';\n"
+            "execute Do_Import_Kiv_Csv_File @Path, 'R42', 'queryevents1', 'queryevents', '2';\n"
+            "execute Do_Import_Kiv_Csv_File @Path, 'R42', 'flowdata1', 'flowdata', '1', '<<>>';\n"
+            "execute Do_Import_Kiv_Csv_File @Path, 'R43', 'queries0', 'queries', '10', '<<>>';\n");
+  EXPECT_FALSE(fs::exists(dir / "kiv.R43.sql"));
+}
+
+TEST_F(Output, AFileThatCannotBeOpenedSwallowsItsRows) {
+  const captured errors(std::cerr);
+  csv_file file(&sequence, &script, "memory", dir / "missing", "R42", true);
+  file.add_check(true);
+  file.get_stream() << "lost\n";
+  EXPECT_FALSE(file.open_file(false, false));
+  EXPECT_EQ(file.get_filename(), "kiv.R42.memory.1.csv");  // position -1 is below the limit
+  file.close_file();
+  EXPECT_NE(out.text().find("missing/kiv.R42.memory.1.csv 1\n"), std::string::npos);
+  EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Output, AFullDiskIsReportedOnceWhenTheFileIsClosed) {
+  const std::string path = dir / "kiv.R42.memory.1.csv";
+  fs::create_symlink("/dev/full", path);
+  const captured errors(std::cerr);
+  {
+    csv_file file = table("memory");
+    for (int i = 0; i < 3; ++i) file.get_stream() << std::string(100'000, 'x') << std::flush;
+    EXPECT_EQ(errors.text(), "");
+  }
+  EXPECT_EQ(errors.text(), "cannot write " + path + "\n");
+}
+
+TEST_F(Output, BufferKeepsEveryByteAndKnowsItsPosition) {
+  std::minstd_rand random(3);
+  csv_filebuf buffer;
+  EXPECT_EQ(buffer.position(), -1);
+  ASSERT_TRUE(buffer.open(dir / "bytes", true));
+  std::string expected;
+  for (const std::size_t size :
+       {0UL, 65536UL, 1UL, 65535UL, 65537UL, 200'000UL, 65535UL, 1UL, 1UL}) {
+    std::string text(size, '\0');
+    for (char& byte : text) byte = static_cast<char>(random());
+    EXPECT_EQ(buffer.sputn(text.data(), static_cast<std::streamsize>(size)),
+              static_cast<std::streamsize>(size));
+    buffer.sputc('\n');
+    expected += text + '\n';
+    EXPECT_EQ(buffer.position(), static_cast<std::int64_t>(expected.size()));
+  }
+  csv_filebuf::flush_all();
+  EXPECT_EQ(content("bytes") == expected, true);
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(buffer.sputc('x'), std::char_traits<char>::eof());
+}
+
+}  // namespace
+}  // namespace kiv

@@ -1,0 +1,279 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "output/csv_tables.h"
+#include "support/run_trace.h"
+#include "support/stories.h"
+
+// What must hold between two runs, or between the rows of one, whatever the trace says.
+
+namespace kiv::test {
+namespace {
+
+using story = std::function<void(trace&)>;
+
+const std::vector<story> clean_stories = {
+    every_record,
+    [](trace& t) { random_operations(t, 1); },
+    [](trace& t) { random_operations(t, 2); },
+    [](trace& t) { random_operations(t, 3, 1500); },
+};
+const std::vector<story> all_stories = [] {
+  std::vector<story> all = clean_stories;
+  all.emplace_back(damaged);
+  return all;
+}();
+
+trace told(const story& s, trace t = {}) {
+  s(t);
+  return t;
+}
+
+void expect_same_tables(const run_result& expected, const run_result& actual) {
+  ASSERT_EQ(expected.files.size(), actual.files.size());
+  for (const auto& [name, bytes] : expected.files) {
+    ASSERT_TRUE(actual.files.contains(name)) << name;
+    EXPECT_EQ(first_difference(bytes, actual.files.at(name)), "") << name;
+  }
+  EXPECT_EQ(first_difference(expected.out, actual.out), "");
+}
+
+TEST(Relations, TheWayATraceIsWrittenChangesNoTable) {
+  for (const story& s : clean_stories) {
+    const run_result plain = run_trace(told(s));
+    for (const bool big : {false, true}) {
+      for (const int width : {4, 8}) {
+        for (const std::size_t files : {1U, 5U}) {
+          trace t;
+          if (big) t.big_endian();
+          t.addr_width(width);
+          if (files > 1) t.split_after(told(s).record_count() / files);
+          SCOPED_TRACE(testing::Message() << big << " " << width << " " << files);
+          expect_same_tables(plain, run_trace(told(s, t)));
+        }
+      }
+    }
+  }
+}
+
+TEST(Relations, SeparatorsAndDebugLevelsChangeNothingElse) {
+  for (const story& s : all_stories) {
+    const run_result plain = run_trace(told(s));
+    run_result other = run_trace(told(s), {"-sd", "\1", "-sf", "\2"});
+    for (const csv_table& one : csv_tables()) other.rows(one.name);
+    for (auto& [name, bytes] : other.files) {
+      std::replace_if(
+          bytes.begin(), bytes.end(), [](char c) { return c == 1 || c == 2; }, ';');
+    }
+    expect_same_tables(plain, other);
+    for (const char* level : {"-d", "-D"}) {
+      run_result listed = run_trace(told(s), {level});
+      listed.out.erase(0, listed.out.find("csv_file:"));  // the header's field list stands before
+      expect_same_tables(plain, listed);
+    }
+  }
+}
+
+TEST(Relations, SplitFilesJoinedAreTheUnsplitFile) {
+  for (const story& s : all_stories) {
+    const run_result whole = run_trace(told(s));
+    for (const int limit : {-2045, 1, 1000, 20'000}) {
+      const run_result split = run_trace(told(s), {"-M", std::to_string(limit + 2048)});
+      for (const csv_table& one : csv_tables()) {
+        SCOPED_TRACE(testing::Message() << one.name << " " << limit);
+        EXPECT_EQ(first_difference(whole.bytes(one.name), split.bytes(one.name)), "");
+        const auto parts = split.parts(one.name);
+        EXPECT_TRUE(one.split_by_size || parts.size() == 1);
+        // A part ends with the row that reaches the limit; below zero every row has its own part.
+        for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
+          const std::size_t before = parts[i].substr(0, parts[i].size() - 1).rfind('\n') + 1;
+          EXPECT_TRUE(parts[i].ends_with('\n') || (i == 0 && limit < 0));
+          EXPECT_GE(static_cast<int>(parts[i].size()), limit);
+          EXPECT_LT(static_cast<int>(before), std::max(limit, 1));
+        }
+      }
+    }
+  }
+}
+
+TEST(Relations, ATraceCutAnywhereGivesThePrefixOfItsTables) {
+  trace t = told(every_record);
+  const run_result whole = run_trace(t);
+  t.recorded_size(0, std::to_string(t.data().size()));
+  std::vector<std::size_t> record_ends{0};
+  while (record_ends.back() < t.data().size()) {
+    const auto byte = [&](std::size_t i) -> std::size_t {
+      return static_cast<unsigned char>(t.data()[record_ends.back() + i]);
+    };
+    record_ends.push_back(record_ends.back() + 3 + byte(1) + 256 * byte(2));
+  }
+
+  for (std::size_t cut = t.data().size(); cut-- > 0;) {
+    SCOPED_TRACE(cut);
+    t.data().resize(cut);
+    const run_result part = run_trace(t);
+    EXPECT_EQ(part.status, 0);
+    EXPECT_EQ(part.files.size(), whole.files.size());
+    for (const csv_table& one : csv_tables()) {
+      if (one.created == table_created::at_end) continue;
+      std::string rows = part.bytes(one.name);
+      if (one.name == "marker") {
+        ASSERT_TRUE(rows.ends_with("End of measurement\n"));
+        rows.resize(rows.rfind('\n', rows.size() - 2) + 1);
+      }
+      EXPECT_TRUE(whole.bytes(one.name).starts_with(rows)) << one.name;
+    }
+    const auto next = std::lower_bound(record_ends.begin(), record_ends.end(), cut);
+    const std::string said =
+        "OUT OF SYNC!!! record: " + std::to_string(next - record_ends.begin()) + "Corrected...\n";
+    EXPECT_EQ(part.out.find(said) != std::string::npos, *next != cut);
+    EXPECT_EQ(part.out.find("OUT OF SYNC"), part.out.rfind("OUT OF SYNC"));
+  }
+}
+
+TEST(Relations, UnknownHeaderElementsChangeNothing) {
+  const trace t = told(every_record);
+  const temp_dir dir;
+  ASSERT_TRUE(t.write(dir.path(), "."));
+  const run_result plain = run_kiv(dir.path(), {"-H", t.header_name()});
+  std::string header = t.header(".");
+  for (std::size_t at = header.find("<kiv>"); (at = header.find('\n', at)) + 1 < header.size();) {
+    const std::string unknown = "<later value=\"9\" size=\"9\">text<pids value=\"9\"/></later>";
+    header.insert(at, unknown);
+    at += unknown.size() + 1;
+  }
+  ASSERT_TRUE(write_file(dir / t.header_name(), header));
+  expect_same_tables(plain, run_kiv(dir.path(), {"-H", t.header_name()}));
+}
+
+void check_markers(const table& marker) {
+  for (std::size_t i = 0; i < marker.size(); ++i) {
+    EXPECT_EQ(marker.number(i, "marker"), static_cast<std::int64_t>(i));
+    EXPECT_EQ(marker.number(i, "last_rec"), i == 0 ? 0 : marker.number(i - 1, "rec"));
+  }
+}
+
+TEST(Relations, CountersRunOnFromTraceToTrace) {
+  trace first = told(every_record);
+  trace second = told([](trace& t) { random_operations(t, 5, 200); });
+  second.runid("R42").pid(8);
+  const temp_dir dir;
+  for (const trace* t : {&first, &second}) ASSERT_TRUE(t->write(dir.path(), "."));
+  const run_result both =
+      run_in_order(dir.path(), {first.header_name(), second.header_name()}, 1 << 30);
+  const run_result alone[] = {run_trace(first, {"-T", "in order"}),
+                              run_trace(second, {"-T", "in order"})};
+  EXPECT_EQ(first_difference(alone[0].files.at("kiv.R42.sql"), both.files.at("kiv.R42.sql")), "");
+
+  const auto rows_of = [&](const char* name) {
+    return static_cast<std::int64_t>(alone[0].rows(name).size());
+  };
+  const std::int64_t records = alone[0].rows("process").number(0, "end_record");
+  const std::map<std::string_view, std::int64_t> shifts = {
+      {"marker", rows_of("marker")},     {"sbrk_row", rows_of("sbrk")},
+      {"arena_row", rows_of("arena")},   {"record", records},
+      {"record_again", records},         {"start_record", records},
+      {"end_record", records},           {"start_sbrk_rows", rows_of("sbrk")},
+      {"end_sbrk_rows", rows_of("sbrk")}};
+  for (const csv_table& one : csv_tables()) {
+    EXPECT_TRUE(both.bytes(one.name).starts_with(alone[0].bytes(one.name))) << one.name;
+    const table after = both.rows(one.name), solo = alone[1].rows(one.name);
+    const std::size_t before = alone[0].rows(one.name).size();
+    ASSERT_EQ(after.size(), before + solo.size()) << one.name;
+    for (std::size_t i = 0; i < solo.size(); ++i) {
+      for (const csv_column& column : one.columns) {
+        if (column.name == "last_rec") continue;
+        const auto shift = shifts.find(column.name);
+        // The default process starts with no trace at all; 0 and 0 say that nothing was counted.
+        const bool stays =
+            (one.name == "process" && i == 0 && column.name == "start_record") ||
+            (column.name.ends_with("_sbrk_rows") && solo.number(i, "end_sbrk_rows") == 0);
+        if (shift == shifts.end() || stays) {
+          EXPECT_EQ(after.text(before + i, column.name), solo.text(i, column.name)) << one.name;
+        } else {
+          EXPECT_EQ(after.number(before + i, column.name),
+                    solo.number(i, column.name) + shift->second)
+              << one.name << "." << column.name;
+        }
+      }
+    }
+  }
+  check_markers(both.rows("marker"));
+}
+
+// Checks every row of every table against the catalogue and the books against each other.
+void check_rows(const run_result& run) {
+  for (const csv_table& one : csv_tables()) run.rows(one.name);
+  check_markers(run.rows("marker"));
+  const table flow = run.rows("flow");
+  std::map<std::int64_t, std::int64_t> flows;
+  for (std::size_t i = 0; i < flow.size(); ++i) {
+    const std::int64_t number = flow.number(i, "flow");
+    std::int64_t& last = flows[flow.number(i, "pid")];
+    EXPECT_TRUE(number == 0 || number == last + 1) << "flow row " << i + 1;
+    last = number;
+  }
+
+  const table memory = run.rows("memory");
+  const table malid = run.rows("malid");
+  std::set<std::int64_t> reserved;
+  for (std::size_t i = 0; i < malid.size(); ++i) reserved.insert(malid.number(i, "malid"));
+  const auto book_of = [&](std::size_t row) {
+    const std::int64_t id = memory.number(row, "malid");
+    return reserved.contains(id) ? id : 99999999;
+  };
+  const auto sum = [](const auto& by_key) {
+    std::int64_t all = 0;
+    for (const auto& [key, value] : by_key) all += value;
+    return all;
+  };
+
+  for (const std::string size : {"size", "tot_size"}) {
+    std::map<std::int64_t, std::int64_t> by_id, by_process, held;
+    std::int64_t rec = 0, change = 0, peak = 0;
+    for (std::size_t i = 0; i < memory.size(); ++i) {
+      SCOPED_TRACE(testing::Message() << size << " in memory row " << i + 1);
+      const char type = memory.text(i, "type")[0];
+      const std::int64_t linked = memory.number(i, "linked_rec");
+      const bool booked = type != 'r' || linked != 0;
+      EXPECT_EQ(memory.number(i, "rec"), rec += booked ? 1 : 0);
+      EXPECT_EQ(memory.number(i, "rec_thousands"), rec / 1000);
+
+      const std::int64_t live = memory.number(i, "global_live_" + size);
+      const bool cleared = type == 'F' || type == 'Z';
+      by_id[book_of(i)] = cleared ? 0 : memory.number(i, "malid_live_" + size);
+      by_process[memory.number(i, "pid")] = memory.number(i, "process_live_" + size);
+      EXPECT_EQ(sum(by_id), live);
+      EXPECT_EQ(sum(by_process), live);
+      EXPECT_EQ(change += memory.number(i, size + "_change"),
+                live + memory.number(i, "global_nf_" + size));
+      EXPECT_EQ(peak = std::max(peak, live), memory.number(i, "global_peak_" + size));
+      if (booked && (type == 'a' || type == 'n' || type == 'r')) held[rec] = memory.number(i, size);
+    }
+
+    // Every block ends at most once, by the record that says so; what is left is live.
+    const table freemem = run.rows("freemem");
+    for (std::size_t i = 0; i < freemem.size(); ++i) {
+      EXPECT_EQ(held.erase(freemem.number(i, "alloc_rec")), 1U) << "freemem row " << i + 1;
+    }
+    EXPECT_EQ(sum(held), change);
+  }
+}
+
+TEST(Relations, BooksAgreeWithEachOtherInEveryRow) {
+  for (const story& s : clean_stories) check_rows(run_trace(told(s)));
+  const temp_dir dir;
+  std::filesystem::copy(KIV_SOURCE_DIR "/samples/MIX", dir / "MIX");
+  check_rows(run_kiv(dir.path(), {"-R", "MIX"}));
+}
+
+}  // namespace
+}  // namespace kiv::test
