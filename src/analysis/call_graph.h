@@ -41,6 +41,10 @@ class Func_rel {
   void forget_calls();
 
   const std::string& name() const;  // empty without location
+  bool is_at(std::uint32_t object_id, std::int32_t number) const {
+    return location != nullptr && location->object_id == object_id &&
+           location->function_number == number;
+  }
 
   const Func_loc* const location;
   std::uint32_t calls = 0;  // through arcs that existed already

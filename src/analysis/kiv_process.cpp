@@ -41,12 +41,11 @@ void KivProcess::set_end(const std::string& time, std::uint64_t record) {
 }
 
 KivProcess::malid_book* KivProcess::get_mc_stat(std::uint32_t malid) {
-  std::unique_ptr<malid_book>& book = malid_stats_[malid];
-  if (book == nullptr) {
-    const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
-    book = std::make_unique<malid_book>(id.color_count());
-  }
-  return book.get();
+  const auto entry = malid_stats_.find(malid);
+  if (entry != malid_stats_.end()) return entry->second.get();
+  const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
+  auto book = std::make_unique<malid_book>(id.color_count());
+  return malid_stats_.emplace(malid, std::move(book)).first->second.get();
 }
 
 void KivProcess::release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {
@@ -95,6 +94,15 @@ Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number
   }
   KivOip* oip = find_oip(object_id);
   return oip == nullptr ? nullptr : oip->find_function(number, global);
+}
+
+Func_rel* KivProcess::find_caller(std::uint32_t object_id, std::int32_t number) {
+  // Id 0 is left out: functions of objects that were never loaded carry it too.
+  if (number > 0 && object_id != 0 && !stack_.empty()) {
+    Func_rel* current = stack_.back().function;
+    if (current != nullptr && current->is_at(object_id, number)) return current;
+  }
+  return find_function(object_id, number, false);
 }
 
 void KivProcess::s_pop() {

@@ -62,6 +62,9 @@ class KivProcess {
   // first look-up puts the base entry on the call stack.
   Func_rel* find_function(std::uint32_t object_id, std::int32_t number, bool global);
 
+  // find_function() for the caller of a flow, which mostly stands on top of the stack.
+  Func_rel* find_caller(std::uint32_t object_id, std::int32_t number);
+
   // Call flow.
   void s_push(Func_rel* function, std::uint32_t arc) { stack_.push_back({function, arc}); }
   void s_pop();  // nothing when the stack is empty

@@ -7,10 +7,6 @@ namespace kiv {
 
 // Included by the decoders alone, so that a field read is inlined into them.
 
-inline std::uint32_t KivEvent::readelemsize() {
-  return reader_->get_elem_size(type_, next_field_++);
-}
-
 inline void KivEvent::readelem(std::uint32_t& value) { reader_->readbytes(readelemsize(), value); }
 inline void KivEvent::readelem(std::int32_t& value) { reader_->readbytes(readelemsize(), value); }
 inline void KivEvent::readelem(std::uint64_t& value) { reader_->readbytes(readelemsize(), value); }

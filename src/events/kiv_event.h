@@ -15,7 +15,7 @@ class kiv_reader;
 // the same decoder serves writers with other integer and pointer sizes.
 class KivEvent {
  public:
-  KivEvent(kiv_type type, kiv_reader* reader) : type_(type), reader_(reader) {}
+  KivEvent(kiv_type type, kiv_reader* reader);
   KivEvent(const KivEvent&) = delete;
   KivEvent& operator=(const KivEvent&) = delete;
   virtual ~KivEvent() = default;
@@ -32,7 +32,7 @@ class KivEvent {
 
   // The reads of one field each; the next field's width comes from the header. A field that has
   // no width, or one that its member does not take, leaves the member as it is.
-  std::uint32_t readelemsize();
+  std::uint32_t readelemsize() { return *next_width_++; }
   void readelem(std::uint32_t& value);
   void readelem(std::int32_t& value);
   void readelem(std::uint64_t& value);
@@ -43,8 +43,8 @@ class KivEvent {
 
  private:
   const kiv_type type_;
-  std::uint32_t next_field_ = 0;
-  kiv_reader* const reader_;  // looks only; an event never outlives its reader
+  const std::uint32_t* next_width_;  // of the field to be read next
+  kiv_reader* const reader_;         // looks only; an event never outlives its reader
 };
 
 // Base of events that carry the call context in force when their record was read.
@@ -71,10 +71,10 @@ class KivContext : public KivEvent {
   using KivEvent::KivEvent;
 };
 
-// Base of events that change the current context.
+// Base of events that change the current context: no context text kept before them holds any more.
 class KivChangeContext : public KivEvent {
  public:
-  using KivEvent::KivEvent;
+  KivChangeContext(kiv_type type, kiv_reader* reader);
 };
 
 }  // namespace kiv

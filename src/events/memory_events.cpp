@@ -41,7 +41,7 @@ void KivFree::setelems() {
   readelem(id);
   readelem(color);
   readelem(addr);
-  readloc(location_text_, location_);
+  readelem(location_);
   record_number_ = update_stats();
 }
 
@@ -57,7 +57,7 @@ void KivFreeRealloc::setelems() {
   readelem(addr_free);
   readelem(size);
   readelem(tot_size);
-  readloc(location_text_, location_);
+  readelem(location_);
   record_number_ = update_stats();
 }
 

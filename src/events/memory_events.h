@@ -41,10 +41,11 @@ class KivMemory : public KivMeasurement {
 
  protected:
   virtual memory_figures figures() const = 0;
+  void context_columns(csv_row& row) const;
   void trace_address(std::ostream& os, std::uint32_t id, std::uint32_t color,
                      std::int64_t addr) const;
 
-  std::uint32_t location_text_ = 0;  // in the book of source locations
+  std::uint32_t location_text_ = 0;  // in the book of source locations; of allocations only
   std::int64_t location_ = 0;
   std::uint64_t record_number_ = 0;
   memory_books books_;

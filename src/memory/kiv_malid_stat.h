@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
-#include "memory/color_table.h"
 #include "memory/kiv_stat.h"
+#include "memory/number_table.h"
 
 namespace kiv {
 
@@ -28,7 +29,7 @@ class KivMalidStat {
 
   // Gives the colour a fresh, empty bundle in place of any it had.
   KivStat<T2>& renew_color(std::uint32_t color) {
-    return colors.assign(color, KivStat<T2>(T2{color_stat_divisor}));
+    return colors.assign(color, std::make_unique<KivStat<T2>>(T2{color_stat_divisor}));
   }
 
   void clearstats() {

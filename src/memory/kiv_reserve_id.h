@@ -5,9 +5,9 @@
 #include <string>
 
 #include "events/kiv_event.h"
-#include "memory/color_table.h"
 #include "memory/kiv_malid_stat.h"
 #include "memory/kiv_mem.h"
+#include "memory/number_table.h"
 
 namespace kiv {
 

@@ -1,5 +1,6 @@
 #include "memory/kiv_reserve_id_db.h"
 
+#include <array>
 #include <iostream>
 #include <utility>
 
@@ -8,7 +9,6 @@
 #include "events/id_events.h"
 #include "events/memory_events.h"
 #include "memory/modular.h"
-#include "output/ascending.h"
 #include "reader/kiv_reader.h"
 
 namespace kiv {
@@ -27,22 +27,18 @@ live_block block_of(const auto& allocation) {
 KivReserveId_db::KivReserveId_db(kiv_reader* reader)
     : reader_(reader),
       default_id_(std::make_unique<KivReserveId>(reader, "Unknown Malloc ID")),
-      global_(run_stat_divisor) {}
-
-KivReserveId* KivReserveId_db::get_reserve_id(std::uint32_t id) const {
-  const auto entry = ids_.find(id);
-  return entry == ids_.end() ? default_id_.get() : entry->second.get();
+      global_(run_stat_divisor) {
+  set_heap_columns();
 }
 
 std::unique_ptr<KivReserveId> KivReserveId_db::add_reserve_id(
     std::unique_ptr<KivReserveId> reserved) {
-  const auto [entry, added] = ids_.try_emplace(reserved->id, nullptr);
-  if (!added) {
+  if (ids_.find(reserved->id) != nullptr) {
     std::cout << "Error mal_id " << reserved->id << " already found! \n";
     return reserved;
   }
-  current_ = reserved.get();
-  entry->second = std::move(reserved);
+  const std::uint32_t id = reserved->id;
+  current_ = &ids_.assign(id, std::move(reserved));
   return nullptr;
 }
 
@@ -90,21 +86,6 @@ bool KivReserveId_db::add_memory(const KivMallocNF& event) {
   return event.reserve_id().no_free.add_memory(block_of(event));
 }
 
-std::uint64_t KivReserveId_db::update_wf(std::uint32_t size, std::uint32_t tot_size) {
-  global_.add_wf(size, tot_size);
-  return global_.rec.value;
-}
-
-std::uint64_t KivReserveId_db::update_nf(std::uint32_t size, std::uint32_t tot_size) {
-  global_.add_nf(size, tot_size);
-  return global_.rec.value;
-}
-
-std::uint64_t KivReserveId_db::update_fr(std::uint32_t size, std::uint32_t tot_size) {
-  global_.add_fr(size, tot_size);
-  return global_.rec.value;
-}
-
 std::uint64_t KivReserveId_db::count_free_of_id() {
   global_.rec.count_event();
   return global_.rec.value;
@@ -113,42 +94,46 @@ std::uint64_t KivReserveId_db::count_free_of_id() {
 void KivReserveId_db::update_sbrk(std::uint32_t size) {
   sbrk_.total += size;
   ++sbrk_.count;
+  set_heap_columns();
 }
 
 void KivReserveId_db::update_gap(std::int64_t last_end, std::int64_t new_start) {
   gap_.total += static_cast<std::uint64_t>(wrapping_sub(new_start, last_end));
   ++gap_.count;
+  set_heap_columns();
 }
 
-void KivReserveId_db::heap_columns(csv_row& row) const {
-  row.cols(sbrk_.total, sbrk_.count, gap_.total, gap_.count);
+void KivReserveId_db::set_heap_columns() {
+  std::array<char, 4 * number_room> text;
+  const char* end =
+      put_columns(text.data(), data_sep, sbrk_.total, sbrk_.count, gap_.total, gap_.count);
+  heap_columns_.assign(text.data(), static_cast<std::size_t>(end - text.data()));
 }
 
 void KivReserveId_db::check_end_time(const std::string& time, std::uint64_t records) {
-  for (const auto& [number, id] : ids_) {
-    if (!id->active) continue;
-    id->end_time = time;
-    id->end_record = records;
-  }
+  ids_.for_each([&](KivReserveId& id) {
+    if (!id.active) return;
+    id.end_time = time;
+    id.end_record = records;
+  });
 }
 
 void KivReserveId_db::dump_db(std::ostream& os, std::string_view run_columns) const {
-  for (const auto* entry : in_ascending_order(ids_)) {
+  ids_.for_each([&](const KivReserveId& id) {
     csv_row row(os);
     row.raw(run_columns);
-    entry->second->columns(row);
+    id.columns(row);
     row.end_line();
-  }
+  });
 }
 
 void KivReserveId_db::dump_db_colors(std::ostream& os, std::string_view run_columns) const {
-  for (const auto* entry : in_ascending_order(ids_)) {
-    const KivReserveId& id = *entry->second;
+  ids_.for_each([&](const KivReserveId& id) {
     for (std::uint32_t color = 0; color < id.color_count(); ++color) {
       csv_row row(os);
-      row.raw(run_columns).col(id.id).col(color).col(id.color_name(color)).end_line();
+      row.raw(run_columns).cols(id.id, color).col(id.color_name(color)).end_line();
     }
-  }
+  });
 }
 
 }  // namespace kiv

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <absl/container/flat_hash_map.h>
-
 #include <cstdint>
 #include <memory>
 #include <ostream>
@@ -9,6 +7,7 @@
 #include <string_view>
 
 #include "memory/kiv_reserve_id.h"
+#include "memory/number_table.h"
 
 namespace kiv {
 
@@ -28,7 +27,10 @@ class KivReserveId_db {
   explicit KivReserveId_db(kiv_reader* reader);
 
   // Never null.
-  KivReserveId* get_reserve_id(std::uint32_t id) const;
+  KivReserveId* get_reserve_id(std::uint32_t id) const {
+    KivReserveId* reserved = ids_.find(id);
+    return reserved == nullptr ? default_id_.get() : reserved;
+  }
 
   // Makes the id current. A number that is reserved already keeps its id, with a message on the
   // standard output; the refused id comes back.
@@ -45,16 +47,25 @@ class KivReserveId_db {
   bool add_memory(const KivMallocNF& event);
 
   // Book an event in the run-wide bundle; return its memory record number.
-  std::uint64_t update_wf(std::uint32_t size, std::uint32_t tot_size);
-  std::uint64_t update_nf(std::uint32_t size, std::uint32_t tot_size);
-  std::uint64_t update_fr(std::uint32_t size, std::uint32_t tot_size);
+  std::uint64_t update_wf(std::uint32_t size, std::uint32_t tot_size) {
+    global_.add_wf(size, tot_size);
+    return global_.rec.value;
+  }
+  std::uint64_t update_nf(std::uint32_t size, std::uint32_t tot_size) {
+    global_.add_nf(size, tot_size);
+    return global_.rec.value;
+  }
+  std::uint64_t update_fr(std::uint32_t size, std::uint32_t tot_size) {
+    global_.add_fr(size, tot_size);
+    return global_.rec.value;
+  }
   // The record number of a free or reset, which books no sizes here.
   std::uint64_t count_free_of_id();
 
   void update_sbrk(std::uint32_t size);
   void update_gap(std::int64_t last_end, std::int64_t new_start);
   // The four heap columns: total and count of growths, total and count of gaps.
-  void heap_columns(csv_row& row) const;
+  void heap_columns(csv_row& row) const { row.raw(heap_columns_); }
 
   // Closes every id that is still active at the end of the trace.
   void check_end_time(const std::string& time, std::uint64_t records);
@@ -65,16 +76,19 @@ class KivReserveId_db {
   const KivStat<std::uint64_t>& global() const { return global_; }
 
  private:
+  void set_heap_columns();
   bool totals_differ(const char* kind, const char* field, std::uint32_t id, std::uint64_t recorded,
                      std::uint64_t actual) const;
 
   kiv_reader* reader_;
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivReserveId>> ids_;
+  number_table<KivReserveId, 4096> ids_;
   std::unique_ptr<KivReserveId> default_id_;
   KivReserveId* current_ = nullptr;  // the id reserved last
   KivStat<std::uint64_t> global_;
   heap_total sbrk_;
   heap_total gap_;
+  std::string
+      heap_columns_;  // as text: every row of `memory` ends with them, few records change them
 };
 
 }  // namespace kiv

@@ -9,7 +9,8 @@
 namespace kiv {
 
 // A small counter that can be cleared and that writes itself as one or more columns. Rows take the
-// columns directly (`columns`); `dump` is the same for any stream.
+// columns directly (`columns`, or several counters by csv_row::counters()); `dump` is the same for
+// any stream.
 template <class T>
 class KivStatBase {
  public:
@@ -34,7 +35,11 @@ class KivStatSize final : public KivStatBase<T> {
  public:
   void Clear() override { size = tot_size = count = 0; }
   std::ostream& dump(std::ostream& os) const override { return dump_columns(*this, os); }
-  void columns(csv_row& row) const { row.cols(size, tot_size, count); }
+  static constexpr std::size_t column_count = 3;
+  char* put(char* out, char separator) const {
+    return put_columns(out, separator, size, tot_size, count);
+  }
+  void columns(csv_row& row) const { row.counters(*this); }
 
   void add_sizes(T s, T t) {
     size = wrapping_add(size, s);
@@ -64,7 +69,9 @@ class KivStatPeak final : public KivStatBase<T> {
  public:
   void Clear() override { size = tot_size = 0; }
   std::ostream& dump(std::ostream& os) const override { return dump_columns(*this, os); }
-  void columns(csv_row& row) const { row.cols(size, tot_size); }
+  static constexpr std::size_t column_count = 2;
+  char* put(char* out, char separator) const { return put_columns(out, separator, size, tot_size); }
+  void columns(csv_row& row) const { row.counters(*this); }
 
   void add_sizes(T s, T t) {
     size = wrapping_add(size, s);
@@ -92,7 +99,11 @@ class KivStatRec final : public KivStatBase<T> {
 
   void Clear() override { value = 0; }  // the divisor stays
   std::ostream& dump(std::ostream& os) const override { return dump_columns(*this, os); }
-  void columns(csv_row& row) const { row.cols(value, value / divisor); }
+  static constexpr std::size_t column_count = 2;
+  char* put(char* out, char separator) const {
+    return put_columns(out, separator, value, value / divisor);
+  }
+  void columns(csv_row& row) const { row.counters(*this); }
 
   void count_event() { value = wrapping_add(value, T{1}); }
 

@@ -6,30 +6,6 @@
 
 namespace kiv {
 
-void process_books::update_wf(std::uint64_t size, std::uint64_t tot_size) {
-  id->add_wf(static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(tot_size));
-  if (color != nullptr) {
-    color->add_wf(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
-  }
-  whole->add_wf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
-}
-
-void process_books::update_nf(std::uint64_t size, std::uint64_t tot_size) {
-  id->add_nf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
-  if (color != nullptr) {
-    color->add_nf(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
-  }
-  whole->add_nf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
-}
-
-void process_books::update_fr(std::uint64_t size, std::uint64_t tot_size) {
-  id->add_fr(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
-  if (color != nullptr) {
-    color->add_fr_sizes(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
-  }
-  whole->add_fr(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
-}
-
 memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, std::uint32_t color,
                                KivProcess& process) {
   memory_books books;

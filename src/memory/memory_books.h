@@ -17,9 +17,27 @@ struct process_books {
   KivStat<std::int32_t>* color = nullptr;  // its colour; null when the id has no such colour
 
   // The id's book takes with-free sizes modulo 2^32, the colour's all sizes.
-  void update_wf(std::uint64_t size, std::uint64_t tot_size);
-  void update_nf(std::uint64_t size, std::uint64_t tot_size);
-  void update_fr(std::uint64_t size, std::uint64_t tot_size);
+  void update_wf(std::uint64_t size, std::uint64_t tot_size) {
+    id->add_wf(static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(tot_size));
+    if (color != nullptr) {
+      color->add_wf(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
+    }
+    whole->add_wf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
+  }
+  void update_nf(std::uint64_t size, std::uint64_t tot_size) {
+    id->add_nf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
+    if (color != nullptr) {
+      color->add_nf(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
+    }
+    whole->add_nf(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
+  }
+  void update_fr(std::uint64_t size, std::uint64_t tot_size) {
+    id->add_fr(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
+    if (color != nullptr) {
+      color->add_fr_sizes(static_cast<std::int32_t>(size), static_cast<std::int32_t>(tot_size));
+    }
+    whole->add_fr(static_cast<std::int64_t>(size), static_cast<std::int64_t>(tot_size));
+  }
 };
 
 // All books that a memory record reaches, found once per record.

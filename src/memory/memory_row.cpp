@@ -16,11 +16,21 @@ const KivStat<T>& or_zero(const KivStat<T>* bundle) {
 }
 
 void section(csv_row& row, const char* label, const auto&... counter) {
-  row.col(label);
-  (counter.columns(row), ...);
+  row.col(label).counters(counter...);
 }
 
 }  // namespace
+
+// Several memory events mostly follow one another in one context, so its text is kept.
+void KivMemory::context_columns(csv_row& row) const {
+  if (const std::string_view kept = reader()->kept_context(); !kept.empty()) {
+    row.raw(kept);
+    return;
+  }
+  const std::size_t start = row.length();
+  context().columns(row);
+  reader()->keep_context(row.text_from(start));
+}
 
 void KivMemory::columns(csv_row& row) const {
   const KivReserveId_db& ids = reader()->reserve_ids();
@@ -28,7 +38,7 @@ void KivMemory::columns(csv_row& row) const {
 
   row.col(static_cast<char>(type()));
   global.rec.columns(row);
-  context().columns(row);
+  context_columns(row);
 
   const memory_figures event = figures();
   row.cols(location_, event.id, event.color, event.addr, event.size_change, event.tot_size_change,

@@ -18,8 +18,6 @@ namespace kiv {
 // into the line end. While a row lives nobody else writes to its stream.
 template <std::size_t capacity>
 class basic_csv_row {
-  // What put_decimal() may touch, and the separator.
-  static constexpr std::size_t number_room = max_decimal_length + 4;
   static_assert(capacity >= number_room + 3);  // a number and what spill() keeps
 
  public:
@@ -32,8 +30,15 @@ class basic_csv_row {
   template <std::integral... T>
   basic_csv_row& cols(T... numbers) {
     reserve(sizeof...(T) * number_room);
+    next_ = put_columns(next_, separator_, numbers...);
+    return *this;
+  }
+  // The columns of neighbouring counters, likewise.
+  template <class... Counter>
+  basic_csv_row& counters(const Counter&... counter) {
+    reserve((Counter::column_count + ...) * number_room);
     char* out = next_;
-    ((out = put_decimal(out, numbers), *out++ = separator_), ...);
+    ((out = counter.put(out, separator_)), ...);
     next_ = out;
     return *this;
   }
@@ -42,7 +47,13 @@ class basic_csv_row {
     return cols(number);
   }
   basic_csv_row& col(char letter) { return raw(letter).raw(separator_); }
-  basic_csv_row& col(std::string_view text) { return raw(text).raw(separator_); }
+  basic_csv_row& col(std::string_view text) {
+    if (text.size() >= room()) return raw(text).raw(separator_);
+    std::memcpy(next_, text.data(), text.size());
+    next_ += text.size();
+    *next_++ = separator_;
+    return *this;
+  }
   basic_csv_row& col(const char* text) { return col(std::string_view(text)); }
 
   // One column of an object and a function number, joined by fun_sep.
@@ -78,6 +89,14 @@ class basic_csv_row {
     reserve(number_room);
     next_ = put_decimal(next_, number);
     return *this;
+  }
+
+  // How much of the line is in the buffer, and the part behind a place in it; nothing when the
+  // line has outgrown the buffer since.
+  std::size_t length() const { return static_cast<std::size_t>(next_ - buffer_); }
+  std::string_view text_from(std::size_t place) const {
+    return place < length() ? std::string_view(buffer_ + place, length() - place)
+                            : std::string_view();
   }
 
   // Ends the line behind the last column.

@@ -12,12 +12,12 @@ inline constexpr std::size_t max_decimal_length = 20;
 
 namespace detail {
 
-// The three-digit numbers as text: numbers are cut into groups of three, so that one table look-up
-// yields three characters.
+// The numbers below 1000 as text: numbers are cut into groups of three digits, so that one table
+// look-up yields three characters. A group is stored as four bytes at once; the fourth is
+// overwritten by what follows.
 struct digit_group {
-  std::array<char, 4> text{};    // without leading zeros
-  std::array<char, 3> padded{};  // always three digits
-  std::uint8_t length = 0;       // of `text`
+  std::array<char, 4> text{};    // without leading zeros; the last byte holds the length
+  std::array<char, 4> padded{};  // always three digits
 };
 
 constexpr std::array<digit_group, 1000> make_digit_groups() {
@@ -27,23 +27,23 @@ constexpr std::array<digit_group, 1000> make_digit_groups() {
     group.padded = {static_cast<char>('0' + number / 100),
                     static_cast<char>('0' + number / 10 % 10),
                     static_cast<char>('0' + number % 10)};
-    group.length = number >= 100 ? 3 : number >= 10 ? 2 : 1;
-    for (unsigned i = 0; i < group.length; ++i) group.text[i] = group.padded[3 - group.length + i];
+    const unsigned length = number >= 100 ? 3 : number >= 10 ? 2 : 1;
+    for (unsigned i = 0; i < length; ++i) group.text[i] = group.padded[3 - length + i];
+    group.text[3] = static_cast<char>(length);
   }
   return groups;
 }
 
 inline constexpr std::array<digit_group, 1000> digit_groups = make_digit_groups();
 
-// Writes four bytes, of which the number's one to three digits count.
 inline char* put_leading(char* out, std::uint32_t below_1000) {
   const digit_group& group = digit_groups[below_1000];
   std::memcpy(out, group.text.data(), 4);
-  return out + group.length;
+  return out + group.text[3];
 }
 
 inline char* put_padded(char* out, std::uint32_t below_1000) {
-  std::memcpy(out, digit_groups[below_1000].padded.data(), 3);
+  std::memcpy(out, digit_groups[below_1000].padded.data(), 4);
   return out + 3;
 }
 
@@ -72,6 +72,15 @@ char* put_decimal(char* out, T number) {
   } else {
     return put_decimal(out, static_cast<std::uint64_t>(number));
   }
+}
+
+// Writes numbers with `separator` behind each. Needs number_room for each of them.
+inline constexpr std::size_t number_room = max_decimal_length + 4;
+
+template <std::integral... T>
+char* put_columns(char* out, char separator, T... numbers) {
+  ((out = put_decimal(out, numbers), *out++ = separator), ...);
+  return out;
 }
 
 }  // namespace kiv

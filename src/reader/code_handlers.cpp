@@ -20,8 +20,8 @@ const std::string& name_of(const Func_rel* function) {
   return function == nullptr ? none : function->name();
 }
 
-const std::string& top_name(const KivProcess& process) {
-  return name_of(process.top() == nullptr ? nullptr : process.top()->function);
+const Func_rel* top_function(const KivProcess& process) {
+  return process.top() == nullptr ? nullptr : process.top()->function;
 }
 
 void list_function(std::uint32_t id, std::int32_t number, const std::string& name) {
@@ -122,7 +122,7 @@ void event_loop::on_flow_in() {
   KivFlowIn event(&reader_);
   decode(event);
   KivProcess& process = *reader_.cc_curr_proc();
-  Func_rel* caller = process.find_function(event.parent_id, event.parent_funnr, false);
+  Func_rel* caller = process.find_caller(event.parent_id, event.parent_funnr);
   Func_rel* callee = process.find_function(event.child_id, event.child_funnr, false);
   if (caller == nullptr || callee == nullptr) return;
   const std::uint32_t arc = caller->update_child(callee, process);
@@ -139,12 +139,13 @@ void event_loop::on_flow_out() {
   KivFlowOut event(&reader_);
   decode(event);
   KivProcess& process = *reader_.cc_curr_proc();
-  const std::string& left = top_name(process);
+  const Func_rel* left = top_function(process);
   process.count_flow();
   process.write_flow_row(process.stack_depth(), process.current_arc(), '<');
   process.s_pop();
   if (debug_level > 1) {
-    std::cerr << fmt::format("3<{} {}<-{}\n", process.stack_depth(), top_name(process), left);
+    std::cerr << fmt::format("3<{} {}<-{}\n", process.stack_depth(), name_of(top_function(process)),
+                             name_of(left));
   }
 }
 
@@ -166,7 +167,7 @@ void event_loop::on_hosk_flow_out() {
   decode(event);
   KivProcess& process = *reader_.cc_curr_proc();
   if (debug_level > 1) {
-    std::cerr << fmt::format("b<{} {}\n", process.stack_depth(), top_name(process));
+    std::cerr << fmt::format("b<{} {}\n", process.stack_depth(), name_of(top_function(process)));
   }
   process.set_hosk_call({});
 }

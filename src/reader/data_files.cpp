@@ -43,13 +43,13 @@ void data_files::rd_close() {
   std::cerr << " closing file " + current_path() + "\n";
 }
 
-bool data_files::eof() {
-  while (cursor_.at_end()) {
+bool data_files::go_to_next_file() {
+  do {
     rd_close();
     ++next_;
-    if (!rd_open()) return true;
-  }
-  return false;
+    if (!rd_open()) return false;
+  } while (cursor_.at_end());
+  return true;
 }
 
 }  // namespace kiv

@@ -26,7 +26,7 @@ class data_files {
 
   // True when every file is read or the next one cannot be opened. Goes on to the next file that
   // holds bytes when the current one is at its end.
-  bool eof();
+  bool eof() { return cursor_.at_end() && !go_to_next_file(); }
 
   // The path of the current file, empty when the list is at its end.
   std::string current_path() const;
@@ -34,6 +34,8 @@ class data_files {
   record_cursor& cursor() { return cursor_; }
 
  private:
+  // False when there is no further file that can be read.
+  bool go_to_next_file();
   const kivfile* current() const;
 
   const std::vector<std::unique_ptr<kivfile>>* list_ = nullptr;

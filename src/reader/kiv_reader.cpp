@@ -62,7 +62,10 @@ void kiv_reader::set_current_pid(std::uint32_t pid) {
   processes_changed();
 }
 
-void kiv_reader::processes_changed() { current_process_ = processes_->get_process(current_pid_); }
+void kiv_reader::processes_changed() {
+  current_process_ = processes_->get_process(current_pid_);
+  context_changed();
+}
 
 std::uint32_t kiv_reader::cc_curr_arc() const { return current_process_->current_arc(); }
 
@@ -82,10 +85,6 @@ void kiv_reader::WriteMarker(std::string_view type, std::string_view subtype, st
   row.col(time).col(type.substr(0, 25)).col(subtype.substr(0, 10)).col(text.substr(0, 255));
   row.end_line();
   counters.last_record_count = records;
-}
-
-void kiv_reader::record_count_marker(std::uint64_t count, std::string_view time) {
-  if (count % 1000 == 0) WriteMarker("Record", "recs", time, "Record nr " + std::to_string(count));
 }
 
 }  // namespace kiv

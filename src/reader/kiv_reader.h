@@ -54,9 +54,7 @@ class kiv_reader {
 
   // Decoding.
   data_files& files() { return files_; }
-  std::uint32_t get_elem_size(kiv_type type, unsigned field) const {
-    return layout_.width(type, field);
-  }
+  const record_layout& layout() const { return layout_; }
   template <class Number>
   void readbytes(std::uint32_t width, Number& value) {
     files_.cursor().read(width, value);
@@ -82,7 +80,10 @@ class kiv_reader {
   void WriteMarker(std::string_view type, std::string_view subtype, std::string_view time,
                    std::string_view text);
   // Writes the marker of every 1000th record; other counts write nothing.
-  void record_count_marker(std::uint64_t count, std::string_view time);
+  void record_count_marker(std::uint32_t count, const std::string& time) {
+    if (count % 1000 == 0)
+      WriteMarker("Record", "recs", time, "Record nr " + std::to_string(count));
+  }
 
   // Time: the last time stamp of the trace, at first the measurement's start.
   const std::string& now() const { return now_; }
@@ -104,6 +105,11 @@ class kiv_reader {
   KivEventContext capture_context() {
     return {this, current_pid_, cc_curr_arc(), &cc_curr_bcall()};
   }
+
+  // The context columns of the current process as text; empty when they are not known.
+  std::string_view kept_context() const { return kept_context_; }
+  void keep_context(std::string_view columns) { kept_context_ = columns; }
+  void context_changed() { kept_context_.clear(); }
 
   // The open bracket of an SQL operation; at most one is open.
   KivQueryEvent* current_query_event() const { return query_event_.get(); }
@@ -141,6 +147,7 @@ class kiv_reader {
 
   std::uint32_t current_pid_ = 0;
   KivProcess* current_process_ = nullptr;
+  std::string kept_context_;
   std::uint32_t query_in_count_ = 0;
   std::unique_ptr<KivQueryEvent> query_event_;
 };

@@ -132,12 +132,16 @@ class record_cursor {
 
  private:
   std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
+  // Below 0 when the position is behind the end.
+  std::int64_t signed_left() const {
+    return static_cast<std::int64_t>(size_) - static_cast<std::int64_t>(position_);
+  }
 
   // The bytes of a number, or null when it has none or the file ends before them. A read across
   // the end leaves the position one byte behind it, which no record's end is.
   const unsigned char* take(std::uint32_t width) {
     if (width == 0) return nullptr;
-    if (width > left()) {
+    if (width > signed_left()) {
       position_ = size_ + 1;
       return nullptr;
     }

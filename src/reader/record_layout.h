@@ -18,9 +18,10 @@ class record_layout {
   record_layout() = default;
   explicit record_layout(const kiv_hdr& header);
 
-  // In bytes; 0 for a field or a type that the header does not define.
-  std::uint32_t width(kiv_type type, unsigned field) const {
-    return field < max_fields ? widths_[static_cast<unsigned>(type)][field] : 0;
+  // The widths of a type's fields in bytes, max_fields of them; 0 for a field or a type that the
+  // header does not define.
+  const std::uint32_t* widths(kiv_type type) const {
+    return widths_[static_cast<unsigned>(type)].data();
   }
 
  private:
