@@ -24,9 +24,11 @@ class event_loop {
   // Reads on until the data files end or a record of unknown type makes the rest unreadable.
   void run();
 
+  // Decodes one record whose tag and size are read, and applies it.
+  void handle(kiv_type type);
+
  private:
   // One function per record type.
-  void handle(kiv_type type);
   void on_malloc_wf();
   void on_malloc_nf();
   void on_free();
