@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "memory/kiv_stat.h"
 #include "memory/number_table.h"
@@ -16,10 +15,13 @@ template <class T1, class T2>
 class KivMalidStat {
  public:
   explicit KivMalidStat(std::uint32_t colors_of_id = 0)
-      : nr_colors(colors_of_id), stat(T1{id_stat_divisor}) {}
+      : nr_colors(colors_of_id), stat(T1{id_stat_divisor}) {
+    colors.expect(colors_of_id);
+  }
 
   // The bundle of a colour that has one already, else null.
-  KivStat<T2>* find_color(std::uint32_t color) const { return colors.find(color); }
+  KivStat<T2>* find_color(std::uint32_t color) { return colors.find(color); }
+  const KivStat<T2>* find_color(std::uint32_t color) const { return colors.find(color); }
 
   // The bundle of any colour below nr_colors, made on first use; null for other colours.
   KivStat<T2>* get_color(std::uint32_t color) {
@@ -29,7 +31,7 @@ class KivMalidStat {
 
   // Gives the colour a fresh, empty bundle in place of any it had.
   KivStat<T2>& renew_color(std::uint32_t color) {
-    return colors.assign(color, std::make_unique<KivStat<T2>>(T2{color_stat_divisor}));
+    return colors.assign(color, KivStat<T2>(T2{color_stat_divisor}));
   }
 
   void clearstats() {

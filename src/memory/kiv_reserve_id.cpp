@@ -34,7 +34,7 @@ KivReserveId::KivReserveId(kiv_reader* reader, const char* name)
       category(),
       with_free(reader),
       no_free(reader) {
-  color_names_.assign(0, std::make_unique<std::string>("default_color"));
+  color_names_.assign(0, "default_color");
 }
 
 void KivReserveId::setelems() {
@@ -64,7 +64,7 @@ void KivReserveId::link_malloc_id() {
 
 void KivReserveId::set_color(std::uint32_t color, const std::string& name) {
   if (color >= color_count()) return;
-  color_names_.assign(color, std::make_unique<std::string>(name));
+  color_names_.assign(color, name);
   book.renew_color(color);
 }
 

@@ -81,7 +81,7 @@ class KivReserveId_db {
                      std::uint64_t actual) const;
 
   kiv_reader* reader_;
-  number_table<KivReserveId, 4096> ids_;
+  number_table<std::unique_ptr<KivReserveId>, 4096> ids_;
   std::unique_ptr<KivReserveId> default_id_;
   KivReserveId* current_ = nullptr;  // the id reserved last
   KivStat<std::uint64_t> global_;

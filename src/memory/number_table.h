@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -10,53 +12,69 @@ namespace kiv {
 
 // What is kept per number of something that counts from 0 and mostly has few numbers: allocation
 // ids, and the colours of one. Numbers below `low_limit` are an array access away; a trace may name
-// any other number, so those cost memory only where they occur.
-template <class T, std::uint32_t low_limit>
+// any other number, so those cost memory only where they occur. A slot is an std::optional, or an
+// std::unique_ptr where values must stay in their places.
+template <class Slot, std::uint32_t low_limit>
 class number_table {
  public:
+  // Says that numbers below `count` are likely to come; a large count is not believed.
+  void expect(std::uint32_t count) { low_.reserve(std::min<std::uint32_t>(count, 8)); }
+
   // Null when nothing is kept for the number.
-  T* find(std::uint32_t number) const {
-    if (number < low_.size()) return low_[number].get();
-    return number < low_limit ? nullptr : find_high(number);
-  }
+  auto* find(std::uint32_t number) { return value_in(find_slot(*this, number)); }
+  auto* find(std::uint32_t number) const { return value_in(find_slot(*this, number)); }
 
   // Keeps the value in place of any that the number had.
-  T& assign(std::uint32_t number, std::unique_ptr<T> value) {
-    T& kept = *value;
-    if (number < low_limit) {
-      if (number >= low_.size()) low_.resize(number + 1);
-      low_[number] = std::move(value);
-    } else {
-      if (high_ == nullptr) high_ = std::make_unique<high_map>();
-      (*high_)[number] = std::move(value);
-    }
-    return kept;
+  auto& assign(std::uint32_t number, Slot value) {
+    Slot& slot = make_slot(number);
+    slot = std::move(value);
+    return *slot;
   }
 
   // In ascending order of the numbers.
   template <class Action>
+  void for_each(Action action) {
+    visit(*this, action);
+  }
+  template <class Action>
   void for_each(Action action) const {
-    for (const auto& entry : low_) {
-      if (entry != nullptr) action(*entry);
-    }
-    if (high_ == nullptr) return;
-    for (const auto& [number, entry] : *high_) action(*entry);
+    visit(*this, action);
   }
 
  private:
-  using high_map = std::map<std::uint32_t, std::unique_ptr<T>>;
+  using high_map = std::map<std::uint32_t, Slot>;
 
-  T* find_high(std::uint32_t number) const {
-    if (high_ == nullptr) return nullptr;
-    const auto entry = high_->find(number);
-    return entry == high_->end() ? nullptr : entry->second.get();
+  static auto* value_in(auto* slot) { return slot != nullptr && *slot ? &**slot : nullptr; }
+
+  // A slot of `table`, constant or not; null when the number has none.
+  static auto* find_slot(auto& table, std::uint32_t number) {
+    decltype(table.low_.data()) none = nullptr;
+    if (number < table.low_.size()) return table.low_.data() + number;
+    if (number < low_limit || table.high_ == nullptr) return none;
+    const auto entry = table.high_->find(number);
+    return entry == table.high_->end() ? none : &entry->second;
+  }
+  static void visit(auto& table, auto& action) {
+    for (auto& slot : table.low_) {
+      if (slot) action(*slot);
+    }
+    if (table.high_ == nullptr) return;
+    for (auto& [number, slot] : *table.high_) action(*slot);
+  }
+  Slot& make_slot(std::uint32_t number) {
+    if (number < low_limit) {
+      if (number >= low_.size()) low_.resize(number + 1);
+      return low_[number];
+    }
+    if (high_ == nullptr) high_ = std::make_unique<high_map>();
+    return (*high_)[number];
   }
 
-  std::vector<std::unique_ptr<T>> low_;
+  std::vector<Slot> low_;
   std::unique_ptr<high_map> high_;
 };
 
 template <class T>
-using color_table = number_table<T, 64>;
+using color_table = number_table<std::optional<T>, 64>;
 
 }  // namespace kiv
