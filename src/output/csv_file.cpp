@@ -25,6 +25,10 @@ bool csv_file::open_file(bool create, bool next) {
   stream_.clear(opened ? std::ios_base::goodbit : std::ios_base::failbit);
   if (create) script_->generate_import(name_, sequence_->curr_sequence(name_, false));
   std::cout << "csv_file: " << path << ' ' << (create ? 1 : 0) << '\n';
+  if (!opened && !loss_reported_) {
+    std::cerr << "cannot write " << path << '\n';
+    loss_reported_ = true;
+  }
   return opened;
 }
 

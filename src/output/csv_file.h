@@ -12,7 +12,8 @@ class csv_file_sequence;
 class sql_script;
 
 // One CSV table of one trace: an open file, continued in further files when a size limit is set.
-// A file that cannot be opened swallows its rows; the run goes on.
+// A file that cannot be opened swallows its rows; the run goes on. The first one of a table is
+// reported on the error stream.
 class csv_file {
  public:
   // Opens the table's current file at once. The first trace of a run creates it and announces it
@@ -51,6 +52,7 @@ class csv_file {
   std::string runid_;
   std::string name_;
   bool size_check_ = false;
+  bool loss_reported_ = false;
   std::int64_t size_limit_ = 0x40000000;
 };
 

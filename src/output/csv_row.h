@@ -49,7 +49,7 @@ class basic_csv_row {
   basic_csv_row& col(char letter) { return raw(letter).raw(separator_); }
   basic_csv_row& col(std::string_view text) {
     if (text.size() >= room()) return raw(text).raw(separator_);
-    std::memcpy(next_, text.data(), text.size());
+    text.copy(next_, text.size());  // an empty text may have no bytes to point at
     next_ += text.size();
     *next_++ = separator_;
     return *this;
