@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -115,22 +116,26 @@ class record_cursor {
     }
   }
 
-  // The characters up to the next NUL, which is passed too; looks into the file's bytes.
+  // The characters up to the next NUL, which is passed too; looks into the file's bytes. A text
+  // longer than any payload is cut off: bytes without NULs must not cost a file's length per record.
   std::string_view read_text() {
     if (left() == 0) {
       position_ = size_ + 1;
       return {};
     }
     const unsigned char* start = bytes_ + position_;
-    const void* nul = std::memchr(start, 0, left());
+    const std::size_t searched = std::min(left(), max_text);
+    const void* nul = std::memchr(start, 0, searched);
     const std::size_t length =
-        nul == nullptr ? left()
+        nul == nullptr ? searched
                        : static_cast<std::size_t>(static_cast<const unsigned char*>(nul) - start);
     position_ += length + 1;
     return {reinterpret_cast<const char*>(start), length};
   }
 
  private:
+  static constexpr std::size_t max_text = 65536;  // reaches behind the end of every record
+
   std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
   // Below 0 when the position is behind the end.
   std::int64_t signed_left() const {
