@@ -62,8 +62,8 @@ const golden_case cases[] = {
      [](const std::string& dir) {
        trace first, second, third;
        every_record(first);
-       random_operations(second, 1, 60);
-       second.runid("R42").pid(8).big_endian();
+       random_operations(second.big_endian(), 1, 60);
+       second.runid("R42").pid(8);
        third.runid("R43").pid(9).reserve(1, "x").malloc_wf(1, 0, 16, 10, 16).sbrk(16, 32);
        third.mallinfo(1, 2, 3).proc(1, "p").proc_end(1);
        for (const trace* t : {&first, &second, &third}) EXPECT_TRUE(t->write(dir, "."));

@@ -24,7 +24,7 @@ const std::vector<story> clean_stories = {
     every_record,
     [](trace& t) { random_operations(t, 1); },
     [](trace& t) { random_operations(t, 2); },
-    [](trace& t) { random_operations(t, 3, 1500); },
+    [](trace& t) { random_operations(t, 3, 3500); },
 };
 const std::vector<story> all_stories = [] {
   std::vector<story> all = clean_stories;
@@ -212,7 +212,16 @@ TEST(Relations, CountersRunOnFromTraceToTrace) {
 // Checks every row of every table against the catalogue and the books against each other.
 void check_rows(const run_result& run) {
   for (const csv_table& one : csv_tables()) run.rows(one.name);
-  check_markers(run.rows("marker"));
+  const table memory = run.rows("memory");
+  const table marker = run.rows("marker");
+  check_markers(marker);
+  std::size_t thousands = 0;
+  for (std::size_t i = 0; i < marker.size(); ++i) {
+    if (marker.text(i, "subtype") != "recs") continue;
+    EXPECT_EQ(marker.text(i, "marker_text"), "Record nr " + std::to_string(1000 * ++thousands));
+  }
+  EXPECT_EQ(thousands, memory.size() / 1000);
+
   const table flow = run.rows("flow");
   std::map<std::int64_t, std::int64_t> flows;
   for (std::size_t i = 0; i < flow.size(); ++i) {
@@ -222,7 +231,6 @@ void check_rows(const run_result& run) {
     last = number;
   }
 
-  const table memory = run.rows("memory");
   const table malid = run.rows("malid");
   std::set<std::int64_t> reserved;
   for (std::size_t i = 0; i < malid.size(); ++i) reserved.insert(malid.number(i, "malid"));

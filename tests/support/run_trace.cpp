@@ -66,6 +66,7 @@ class run_guard {
 int run_child(const std::string& cwd, std::vector<std::string> args, const std::string& program) {
   args.insert(args.begin(), program);
   std::vector<char*> argv;
+  argv.reserve(args.size() + 1);
   for (std::string& arg : args) argv.push_back(arg.data());
   argv.push_back(nullptr);
   const pid_t child = fork();
@@ -170,7 +171,8 @@ std::int64_t table::number(std::size_t row, std::string_view column) const {
   std::int64_t value = 0;
   std::uint64_t large = 0;
   const char* end = digits.data() + digits.size();
-  if (std::from_chars(digits.data(), end, value).ptr == end && !digits.empty()) return value;
+  const auto read = std::from_chars(digits.data(), end, value);
+  if (read.ptr == end && read.ec == std::errc() && !digits.empty()) return value;
   EXPECT_TRUE(std::from_chars(digits.data(), end, large).ptr == end && !digits.empty())
       << column << ": " << digits;
   return static_cast<std::int64_t>(large);
@@ -207,6 +209,7 @@ run_result run_kiv(const std::string& cwd, const std::vector<std::string>& args,
     result.err = read_file(cwd + "/stderr");
   } else {
     std::vector<const char*> argv{"kiv"};
+    argv.reserve(args.size() + 2);
     for (const std::string& arg : args) argv.push_back(arg.c_str());
     const int argc = static_cast<int>(argv.size());
     argv.push_back(nullptr);

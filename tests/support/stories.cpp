@@ -22,7 +22,7 @@ void every_record(trace& t) {
       .color(0, "only")
       .reserve(12, "proc:7:server", 3, 0x503)
       .color(2, "c2");
-  t.reserve(13, "xml_tree:8:list").reserve(14, "dlock:stock:write").reserve(15, "qdb:orders");
+  t.reserve(13, "xml_tree:7:list").reserve(14, "dlock:stock:write").reserve(15, "qdb:orders");
   t.reserve(16, "make_new_sql_stmt:sel").reserve(17, "dbs_session:77").reserve(18, "cache");
   t.object(3).function(3, 1, "take").function(3, 2, "close").object(4).function(4, 1, "start");
   t.global(3, 0, "on_open").global(3, 1, "on_close").link(7, 3).link(7, 4);
@@ -122,8 +122,6 @@ void random_operations(trace& t, std::uint32_t seed, int operations) {
   block next{}, known{};
   std::uint32_t size = 0;
   std::int64_t at = 0;
-  const auto object = [&] { return 1 + below(5); };
-  const auto funnr = [&] { return static_cast<int>(below(6)) - 1; };
   const std::function<void()> frequent[] = {
       [&] { t.malloc_wf(next.id, next.color, next.addr, size, size + 16, at); },
       [&] { t.malloc_wf(next.id, next.color, next.addr, size, size + 16, at); },
@@ -134,7 +132,10 @@ void random_operations(trace& t, std::uint32_t seed, int operations) {
       [&] { t.free(known.id, below(4), known.addr, at); },
       [&] { t.realloc(known.id, known.color, known.addr, size, size + 16, at); },
       [&] { t.schedule(0, below(6)); },
-      [&] { t.flow_in(object(), funnr(), object(), funnr()); },
+      [&] {
+        const std::uint32_t n[] = {below(5), below(6), below(5), below(6)};  // in this order
+        t.flow_in(n[0] + 1, static_cast<int>(n[1]) - 1, n[2] + 1, static_cast<int>(n[3]) - 1);
+      },
       [&] { t.flow_out(); },
   };
   const std::function<void()> rare[] = {
