@@ -6,18 +6,14 @@ cd "$(dirname "$0")/.."
 
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
-targets=$(find build/fuzz/fuzz -maxdepth 1 -name '*_fuzz' -perm -u+x | sort)
+targets=$(find build/fuzz/fuzz -maxdepth 1 -name '*_fuzz' ! -name 'replay_*' -perm -u+x | sort)
 [ -n "$targets" ] || { echo "fuzz: no targets built" >&2; exit 1; }
 each=$((${1:-60} / $(echo "$targets" | wc -l)))
 for target in $targets; do
   name=$(basename "$target")
   mkdir -p "build/fuzz/found/$name"
-  seeds=
-  [ ! -d "fuzz/corpus/$name" ] || seeds="fuzz/corpus/$name"
-  words=
-  [ ! -f "fuzz/$name.dict" ] || words="-dict=fuzz/$name.dict"
   echo "== $name, $each seconds"
   "$target" -max_total_time="$each" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
-    -print_final_stats=1 -artifact_prefix="build/fuzz/found/$name-" $words \
-    "build/fuzz/found/$name" $seeds
+    -print_final_stats=1 -artifact_prefix="build/fuzz/found/$name-" -dict=fuzz/kiv.dict \
+    "build/fuzz/found/$name" "fuzz/corpus/$name"
 done

@@ -4,7 +4,7 @@
 set -eu
 
 packages="g++ make cmake ninja-build pkg-config
-  libexpat1-dev libabsl-dev libfmt-dev libgtest-dev libbenchmark-dev libsqlite3-dev"
+  libexpat1-dev libabsl-dev libfmt-dev libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev"
 if [ "${1-}" = --checks ]; then
   packages="$packages clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev"
 fi
@@ -32,5 +32,6 @@ if [ "$(id -u)" -ne 0 ]; then
   }
 fi
 export DEBIAN_FRONTEND=noninteractive
-$as_root apt-get update -qq
+# A list that cannot be refreshed need not matter: the installation decides.
+$as_root apt-get update -qq || true
 $as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null
