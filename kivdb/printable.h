@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kiv::db {
+
+// The text with every control byte and every byte that is not valid UTF-8 replaced by '?', so that
+// it can be shown on a terminal.
+std::string printable(std::string_view text);
+
+// The first byte sequence of `text`: its length when it is valid UTF-8, else 0.
+std::size_t utf8_length(std::string_view text);
+
+// Columns that a printable text takes, counting one per character.
+std::size_t display_width(std::string_view text);
+
+// Cut to so many columns, the last of them an ellipsis when something was cut.
+std::string shortened(std::string_view text, std::size_t width);
+
+}  // namespace kiv::db

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "database.h"
+#include "row_parser.h"
+
+namespace kiv::db {
+
+// Inserts parsed rows into one table. Most columns of a row repeat the row before; those keep the
+// value that is bound already.
+class table_writer {
+ public:
+  table_writer(database& db, const csv_table& table);
+
+  bool is_ready() const { return static_cast<bool>(insert_); }
+  bool write(std::span<const field> fields);
+
+ private:
+  struct target {
+    std::size_t field;  // index among the columns of the row
+    bool is_text;
+    bool bound = false;
+    std::int64_t number = 0;
+    std::string text = {};
+  };
+
+  statement insert_;
+  std::vector<target> targets_;
+};
+
+}  // namespace kiv::db
