@@ -20,6 +20,9 @@ cmake --preset asan >/dev/null
 cmake --build --preset asan
 ctest --preset asan --progress
 
+step "32-bit build"
+scripts/build32.sh
+
 step "clang-tidy"
 find "$PWD/src" "$PWD/kivdb" -name '*.cpp' -print0 2>/dev/null |
   xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 -p build/clang --quiet
