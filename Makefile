@@ -16,7 +16,7 @@ test: build ## Build and run all tests
 	@ctest --preset release
 
 demo: build ## Analyse the sample traces and show what comes out
-	@scripts/demo.sh build/release/src/kiv
+	@scripts/demo.sh build/release
 
 bench: setup ## Build and run the benchmarks
 	@scripts/bench.sh

@@ -1,8 +1,10 @@
 #!/bin/sh
-# demo.sh PROGRAM: analyses copies of the sample traces and shows what came out.
+# demo.sh BUILD_DIRECTORY: analyses copies of the sample traces, shows what came out, and puts it
+# into a database that answers questions.
 set -eu
 
-program=$(realpath "$1")
+program=$(realpath "$1/src/kiv")
+kivdb=$(realpath "$1/kivdb/kivdb")
 cd "$(dirname "$0")/.."
 rm -rf build/demo
 mkdir -p build/demo
@@ -60,4 +62,12 @@ done | sort -u | while read -r run; do
     "$(((end - start) / 1000000))" "$run"
   printf '  SQL import script: build/demo/%s\n' "$run"/kiv.*.sql
 done
-printf '\nWhat the columns mean: docs/tables.md\n'
+
+runs=$(for run in */; do echo "${run%/}"; done)
+printf '\n== From tables to answers\n'
+printf '  $ kivdb import %s -o runs.db\n' "$(echo "$runs" | tr '\n' ' ' | sed 's/ $//')"
+echo "$runs" | xargs "$kivdb" import -o runs.db
+printf '\n  $ kivdb report runs.db --run MIX --top 3\n'
+"$kivdb" report runs.db --run MIX --top 3
+printf '\nWhat the columns mean: docs/tables.md. What to ask: docs/database.md, kivdb views.\n'
+printf 'The database: build/demo/runs.db\n'

@@ -117,7 +117,8 @@ class record_cursor {
   }
 
   // The characters up to the next NUL, which is passed too; looks into the file's bytes. A text
-  // longer than any payload is cut off: bytes without NULs must not cost a file's length per record.
+  // longer than any payload is cut off: bytes without NULs must not cost a file's length per
+  // record.
   std::string_view read_text() {
     if (left() == 0) {
       position_ = size_ + 1;
