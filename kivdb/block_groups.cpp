@@ -74,12 +74,10 @@ using value = std::optional<std::int64_t>;
 
 void fold_in(value& into, const value& next, fold how) {
   if (!next) return;
-  if (!into) {
-    into = next;
-  } else if (how == fold::sum) {
+  if (into && how == fold::sum) {
     into = static_cast<std::int64_t>(static_cast<std::uint64_t>(*into) +
                                      static_cast<std::uint64_t>(*next));
-  } else if (how == fold::min ? *next < *into : *next > *into) {
+  } else if (!into || (how == fold::min ? *next < *into : *next > *into)) {
     into = next;
   }
 }
@@ -171,14 +169,28 @@ class group_table {
   std::string key_;
 };
 
+std::string folded_value(const group_column& column) {
+  const std::string in_brackets = "(" + std::string(column.value) + ")";
+  switch (column.how) {
+    case fold::sum:
+      return "SUM" + in_brackets;
+    case fold::min:
+      return "MIN" + in_brackets;
+    case fold::max:
+      return "MAX" + in_brackets;
+    case fold::key:
+      break;
+  }
+  return std::string(column.value);
+}
+
 std::string select_list(bool folded) {
   std::string list;
   for (const auto& column : columns) {
-    std::string v(column.value);
-    if (folded && column.how == fold::sum) v = "SUM(" + v + ")";
-    if (folded && column.how == fold::min) v = "MIN(" + v + ")";
-    if (folded && column.how == fold::max) v = "MAX(" + v + ")";
-    list += (list.empty() ? "" : ", ") + v + " AS " + std::string(column.name);
+    if (!list.empty()) list += ", ";
+    list += folded ? folded_value(column) : std::string(column.value);
+    list += " AS ";
+    list += column.name;
   }
   return list;
 }

@@ -106,12 +106,11 @@ bool top_list(database& db, const view_key& key, const report_options& options, 
   table.title = "Top " + std::to_string(options.top) + " by " + key.title;
   std::string sql = "SELECT ";
   std::string same = "p.run_id = b.run_id AND p.main_pid = b.main_pid";
-  for (std::string_view rest = key.group; !rest.empty();) {
-    const auto comma = rest.find(", ");
-    // "g.malid" of the views' own grouping
-    const std::string column(rest.substr(2, comma == std::string_view::npos ? comma : comma - 2));
-    same += " AND p." + column + " IS b." + column;
-    rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 2);
+  for (const auto& column : key.columns) {
+    same += " AND p.";
+    same += column;
+    same += " IS b.";
+    same += column;
   }
   for (const auto& figure : figures) {
     const std::string name(figure.name);

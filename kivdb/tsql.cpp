@@ -73,25 +73,40 @@ std::string table_names(row_end end) {
   return names;
 }
 
+std::string create_view(const view& v) {
+  const std::string name = "dbo." + bracketed(v.name);
+  return "\n-- " + v.description + "\nDROP VIEW IF EXISTS " + name + ";\nGO\nCREATE VIEW " + name +
+         " AS\n" + replaced(v.select, "||", "+") + ";\nGO\n";
+}
+
+// Where a column of #kiv_rows begins; p1, p2 ... are the places of the separators.
+std::string begin_of(std::size_t column) {
+  return column == 0 ? "1" : "p" + std::to_string(column) + ".at + 1";
+}
+
+std::string column_text(std::size_t column, bool is_last) {
+  const std::string length =
+      is_last ? std::string("DATALENGTH(r.row_text)")
+              : "p" + std::to_string(column + 1) + ".at - (" + begin_of(column) + ")";
+  return "SUBSTRING(r.row_text, " + begin_of(column) + ", " + length + ")";
+}
+
+std::string separator_after(std::size_t column) {
+  return "\n    CROSS APPLY (SELECT CHARINDEX(@Separator, r.row_text, " + begin_of(column) +
+         ") AS at) AS p" + std::to_string(column + 1);
+}
+
 // Cuts `row_text` of #kiv_rows at the first separators; the last column takes the rest.
 std::string insert_marked_rows(const csv_table& table) {
-  std::string names, values, cuts;
+  std::string names, values, separators;
   const std::size_t last = table.columns.size() - 1;
   for (std::size_t i = 0; i <= last; ++i) {
-    const std::string number = std::to_string(i + 1), before = std::to_string(i);
     names += (i ? ", " : "") + bracketed(table.columns[i].name);
-    const std::string from = i ? "p" + before + ".at + 1" : "1";
-    const std::string length =
-        i == last ? std::string("DATALENGTH(r.row_text)") : "p" + number + ".at - (" + from + ")";
-    values +=
-        (i ? ",\n      " : "") + std::string("SUBSTRING(r.row_text, ") + from + ", " + length + ")";
-    if (i < last) {
-      cuts += "\n    CROSS APPLY (SELECT CHARINDEX(@Separator, r.row_text, " + from +
-              ") AS at) AS p" + number;
-    }
+    values += (i ? ",\n      " : "") + column_text(i, i == last);
+    if (i < last) separators += separator_after(i);
   }
   return "    INSERT INTO dbo." + bracketed(table.name) + " (" + names + ")\n    SELECT " + values +
-         "\n    FROM (SELECT NULLIF(row_text, '') AS row_text FROM #kiv_rows) AS r" + cuts +
+         "\n    FROM (SELECT NULLIF(row_text, '') AS row_text FROM #kiv_rows) AS r" + separators +
          "\n    WHERE r.row_text IS NOT NULL;\n";
 }
 
@@ -178,11 +193,7 @@ std::string tsql_procedures() {
 
 std::string tsql_views() {
   std::string sql = std::string(generated) + "-- The same views as in SQLite.\n\nUSE KIV;\nGO\n";
-  for (const auto& v : views()) {
-    const std::string name = "dbo." + bracketed(v.name);
-    sql += "\n-- " + v.description + "\nDROP VIEW IF EXISTS " + name + ";\nGO\nCREATE VIEW " +
-           name + " AS\n" + replaced(v.select, "||", "+") + ";\nGO\n";
-  }
+  for (const auto& v : views()) sql += create_view(v);
   return sql;
 }
 

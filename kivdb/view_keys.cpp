@@ -24,10 +24,10 @@ std::string end_of_arc(const std::string& end) {
 
 std::vector<view_key> make_keys() {
   std::vector<view_key> keys;
-  keys.push_back({"id", "allocation id", "g.malid", "", "t.malid, " + id_name(), {"id_name"}});
+  keys.push_back({"id", "allocation id", {"malid"}, "", "t.malid, " + id_name(), {"id_name"}});
   keys.push_back({"color",
                   "colour of an allocation id",
-                  "g.malid, g.color",
+                  {"malid", "color"},
                   "",
                   "t.malid, " + id_name() + ", t.color, COALESCE(" +
                       lookup("n.color_name", "color", "n.malid = t.malid AND n.color = t.color") +
@@ -35,7 +35,7 @@ std::vector<view_key> make_keys() {
                   {"id_name", "color_name"}});
   keys.push_back({"line",
                   "source line",
-                  "g.location",
+                  {"location"},
                   "",
                   "t.location, COALESCE(" +
                       lookup("n.source_line", "hashloc", "n.location = t.location") +
@@ -43,16 +43,16 @@ std::vector<view_key> make_keys() {
                   {"source_line"}});
   keys.push_back({"arc",
                   "caller and callee of a process",
-                  "g.pid, g.arc",
+                  {"pid", "arc"},
                   "MIN(g.caller_object) AS caller_object, MIN(g.caller_function) AS "
                   "caller_function, MIN(g.callee_object) AS callee_object, "
                   "MIN(g.callee_function) AS callee_function, ",
                   "t.pid, t.arc, " + arc_names(),
                   {"caller", "callee"}});
-  keys.push_back({"process", "process", "g.pid", "", "t.pid, " + process_name(), {"process_name"}});
+  keys.push_back({"process", "process", {"pid"}, "", "t.pid, " + process_name(), {"process_name"}});
   keys.push_back({"query",
                   "SQL statement",
-                  "g.qid",
+                  {"qid"},
                   "",
                   "t.qid, CASE WHEN t.qid IS NULL THEN '(no finished SQL operation)' ELSE "
                   "COALESCE(" +

@@ -8,9 +8,9 @@ namespace kiv::db {
 
 // A way to group blocks. For each key K there are the views by_K, peak_by_K and churn_by_K.
 struct view_key {
-  std::string name;   // id, color, line, arc, process or query
-  std::string title;  // what a row stands for
-  std::string group;  // columns of block_groups to group by
+  std::string name;                  // id, color, line, arc, process or query
+  std::string title;                 // what a row stands for
+  std::vector<std::string> columns;  // of block_groups, to group by
   std::string extra;  // further aggregates that the names need, with a comma behind each
   std::string names;  // columns that name the group, taken from the grouped row `t`
   std::vector<std::string> stable_names;  // those of them that mean the same in another run

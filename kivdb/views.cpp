@@ -33,7 +33,10 @@ std::string live_at(const std::string& rec) {
 std::string sums(std::initializer_list<std::string> columns) {
   std::string sql;
   for (const auto& column : columns) {
-    sql += (sql.empty() ? "SUM(g." : ", SUM(g.") + column + ") AS " + column;
+    sql += sql.empty() ? "SUM(g." : ", SUM(g.";
+    sql += column;
+    sql += ") AS ";
+    sql += column;
   }
   return sql;
 }
@@ -70,31 +73,30 @@ void add_base(std::vector<view>& all) {
                  block_groups_select(), true});
 }
 
-void add_families(std::vector<view>& all) {
-  for (const auto& key : view_keys()) {
-    const std::string grouped = "g.run_id, g.main_pid, " + key.group;
-    const std::string begin = "WITH t AS (SELECT " + grouped + ", " + key.extra;
-    const std::string end = " FROM block_groups g GROUP BY " + grouped +
-                            ") SELECT t.run_id, t.main_pid, " + key.names + ", ";
-    all.push_back(
-        {"by_" + key.name, "blocks made, mean size, freed and live at the end, by " + key.title,
-         begin +
-             sums({"allocs", "alloc_bytes", "alloc_tot_bytes", "resizes", "resize_bytes", "frees",
-                   "live_blocks", "live_bytes", "live_tot_bytes"}) +
-             end +
-             "t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE "
-             "CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, "
-             "t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t"});
-    all.push_back({"peak_by_" + key.name, "what was live at the peak, by " + key.title,
-                   begin + sums({"peak_blocks", "peak_bytes", "peak_tot_bytes"}) + end +
-                       "t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE "
-                       "t.peak_blocks > 0"});
-    all.push_back({"churn_by_" + key.name,
-                   "blocks freed within 100 memory records of their making, by " + key.title,
-                   begin + sums({"short_lived", "short_lived_bytes", "blocks"}) + end +
-                       "t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / "
-                       "t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0"});
-  }
+void add_family(std::vector<view>& all, const view_key& key) {
+  std::string grouped = "g.run_id, g.main_pid";
+  for (const auto& column : key.columns) grouped += ", g." + column;
+  const std::string begin = "WITH t AS (SELECT " + grouped + ", " + key.extra;
+  const std::string end = " FROM block_groups g GROUP BY " + grouped +
+                          ") SELECT t.run_id, t.main_pid, " + key.names + ", ";
+  all.push_back(
+      {"by_" + key.name, "blocks made, mean size, freed and live at the end, by " + key.title,
+       begin +
+           sums({"allocs", "alloc_bytes", "alloc_tot_bytes", "resizes", "resize_bytes", "frees",
+                 "live_blocks", "live_bytes", "live_tot_bytes"}) +
+           end +
+           "t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE "
+           "CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, "
+           "t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t"});
+  all.push_back({"peak_by_" + key.name, "what was live at the peak, by " + key.title,
+                 begin + sums({"peak_blocks", "peak_bytes", "peak_tot_bytes"}) + end +
+                     "t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE "
+                     "t.peak_blocks > 0"});
+  all.push_back({"churn_by_" + key.name,
+                 "blocks freed within 100 memory records of their making, by " + key.title,
+                 begin + sums({"short_lived", "short_lived_bytes", "blocks"}) + end +
+                     "t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / "
+                     "t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0"});
 }
 
 void add_blocks(std::vector<view>& all) {
@@ -221,7 +223,7 @@ void add_runs(std::vector<view>& all) {
 std::vector<view> make_views() {
   std::vector<view> all;
   add_base(all);
-  add_families(all);
+  for (const auto& key : view_keys()) add_family(all, key);
   add_blocks(all);
   add_time(all);
   add_runs(all);
