@@ -1,10 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 #include "reader/byte_order.h"
 
@@ -38,78 +40,26 @@ class record_cursor {
   void go_to_end() { position_ = size_; }
 
   // Reads a number of `width` bytes. Widths that the target does not take, and numbers that the
-  // file does not wholly hold, leave the value unchanged; the position moves on all the same.
-  void read(std::uint32_t width, std::uint32_t& value) {
+  // file does not wholly hold, leave the value unchanged; the position moves on all the same. The
+  // target's signedness decides how two and four bytes are widened. A single byte is widened to 32
+  // bits with its sign, then to 64 without: 0xff reads as 4294967295 into all but a 32-bit signed.
+  template <std::integral T>
+  void read(std::uint32_t width, T& value) {
+    static_assert(sizeof(T) == 4 || sizeof(T) == 8);
     const unsigned char* from = take(width);
     if (from == nullptr) return;
     switch (width) {
       case 1:
-        value = static_cast<std::uint32_t>(signed_byte(from));
+        value = static_cast<T>(static_cast<std::uint32_t>(static_cast<signed char>(*from)));
         break;
       case 2:
-        value = load<std::uint16_t>(from, little_endian_);
+        value = static_cast<T>(load_as<T, std::uint16_t>(from));
         break;
       case 4:
-        value = load<std::uint32_t>(from, little_endian_);
-        break;
-      default:
-        break;
-    }
-  }
-  void read(std::uint32_t width, std::int32_t& value) {
-    const unsigned char* from = take(width);
-    if (from == nullptr) return;
-    switch (width) {
-      case 1:
-        value = signed_byte(from);
-        break;
-      case 2:
-        value = static_cast<std::int16_t>(load<std::uint16_t>(from, little_endian_));
-        break;
-      case 4:
-        value = static_cast<std::int32_t>(load<std::uint32_t>(from, little_endian_));
-        break;
-      default:
-        break;
-    }
-  }
-  // A single byte is widened to 32 bits with its sign, then to 64 without: 0xff reads as
-  // 4294967295.
-  void read(std::uint32_t width, std::uint64_t& value) {
-    const unsigned char* from = take(width);
-    if (from == nullptr) return;
-    switch (width) {
-      case 1:
-        value = static_cast<std::uint32_t>(signed_byte(from));
-        break;
-      case 2:
-        value = load<std::uint16_t>(from, little_endian_);
-        break;
-      case 4:
-        value = load<std::uint32_t>(from, little_endian_);
+        value = static_cast<T>(load_as<T, std::uint32_t>(from));
         break;
       case 8:
-        value = load<std::uint64_t>(from, little_endian_);
-        break;
-      default:
-        break;
-    }
-  }
-  void read(std::uint32_t width, std::int64_t& value) {
-    const unsigned char* from = take(width);
-    if (from == nullptr) return;
-    switch (width) {
-      case 1:
-        value = static_cast<std::uint32_t>(signed_byte(from));
-        break;
-      case 2:
-        value = static_cast<std::int16_t>(load<std::uint16_t>(from, little_endian_));
-        break;
-      case 4:
-        value = static_cast<std::int32_t>(load<std::uint32_t>(from, little_endian_));
-        break;
-      case 8:
-        value = static_cast<std::int64_t>(load<std::uint64_t>(from, little_endian_));
+        if constexpr (sizeof(T) == 8) value = static_cast<T>(load_as<T, std::uint64_t>(from));
         break;
       default:
         break;
@@ -156,8 +106,11 @@ class record_cursor {
     return from;
   }
 
-  static std::int32_t signed_byte(const unsigned char* from) {
-    return static_cast<signed char>(*from);
+  // A number as wide as Raw and signed as T is.
+  template <class T, class Raw>
+  auto load_as(const unsigned char* from) const {
+    using number = std::conditional_t<std::is_signed_v<T>, std::make_signed_t<Raw>, Raw>;
+    return static_cast<number>(load<Raw>(from, little_endian_));
   }
 
   const unsigned char* bytes_ = nullptr;
