@@ -180,10 +180,10 @@ void run(benchmark::State& state, const workload& work, void (*stage)(const work
   const auto records = static_cast<double>(work.records);
   state.counters["records/s"] =
       benchmark::Counter(records, benchmark::Counter::kIsIterationInvariantRate);
-  state.counters["ns/record"] = benchmark::Counter(
-      records * 1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["per record"] = benchmark::Counter(
+      records, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
   if (stage == with_files) {
-    state.counters["MB/s out"] =
+    state.counters["MB out"] =
         benchmark::Counter(static_cast<double>(bytes_of_tables(work.directory)) * 1e-6,
                            benchmark::Counter::kIsIterationInvariantRate);
   }

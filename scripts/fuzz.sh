@@ -13,7 +13,7 @@ for target in $targets; do
   mkdir -p "$found"
   echo "== $target"
   # Inputs are some kilobytes: whatever asks for more memory than this took a number at its word.
-  "build/fuzz/fuzz/$target" -max_total_time=$((${1:-60} / 2)) -timeout=20 -malloc_limit_mb=256 \
+  "build/fuzz/fuzz/$target" -max_total_time=$((${1:-60} / 2)) -timeout=60 -malloc_limit_mb=256 \
     -max_len=8192 -verbosity=0 -print_final_stats=1 -dict=fuzz/kiv.dict \
     -artifact_prefix="$found-" "$found" "fuzz/corpus/$target"
 done
