@@ -14,6 +14,6 @@ for target in $targets; do
   echo "== $target"
   # Inputs are some kilobytes: whatever asks for more memory than this took a number at its word.
   "build/fuzz/fuzz/$target" -max_total_time=$((${1:-60} / 2)) -timeout=60 -malloc_limit_mb=256 \
-    -max_len=8192 -verbosity=0 -print_final_stats=1 -dict=fuzz/kiv.dict \
+    -max_len=8192 -seed=1 -verbosity=0 -print_final_stats=1 -dict=fuzz/kiv.dict \
     -artifact_prefix="$found-" "$found" "fuzz/corpus/$target"
 done
