@@ -12,6 +12,7 @@
 #include "importer.h"
 #include "printable.h"
 #include "report.h"
+#include "show.h"
 #include "view_keys.h"
 #include "views.h"
 

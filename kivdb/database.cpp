@@ -44,10 +44,15 @@ bool database::open(const std::string& path, open_mode mode) {
   if (result != SQLITE_OK) return note_error();
   sqlite3_busy_timeout(raw, 5000);
 
-  statement empty = prepare("SELECT count(*) FROM sqlite_schema");
-  if (!empty || !empty.step()) return note_error();
-  if (mode == open_mode::create && empty.number(0) == 0) {
-    return exec("PRAGMA page_size = 8192; PRAGMA application_id = " +
+  std::int64_t objects = 0;
+  {
+    statement count = prepare("SELECT count(*) FROM sqlite_schema");
+    if (!count || !count.step()) return note_error();
+    objects = count.number(0);
+  }
+  if (mode == open_mode::create && objects == 0) {
+    // Rows of `memory` take some 400 bytes.
+    return exec("PRAGMA page_size = 16384; PRAGMA application_id = " +
                 std::to_string(application_id) +
                 "; PRAGMA user_version = " + std::to_string(schema_version)) &&
            exec("BEGIN;" + sqlite_schema() + "COMMIT;");

@@ -115,18 +115,22 @@ void print_aligned(std::ostream& out, const result_table& table, const print_sty
 }
 
 void print_csv(std::ostream& out, const result_table& table) {
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    out << (i > 0 ? "," : "") << table.columns[i].name;
+  print_csv_names(out, table.columns);
+  for (const auto& row : table.rows) print_csv_row(out, row);
+}
+
+void print_csv_names(std::ostream& out, const std::vector<result_column>& columns) {
+  for (std::size_t i = 0; i < columns.size(); ++i) out << (i > 0 ? "," : "") << columns[i].name;
+  out << '\n';
+}
+
+void print_csv_row(std::ostream& out, const std::vector<result_cell>& row) {
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i > 0) out << ',';
+    if (const auto* number = std::get_if<std::int64_t>(&row[i])) out << *number;
+    if (const auto* text = std::get_if<std::string>(&row[i])) print_csv_text(out, *text);
   }
   out << '\n';
-  for (const auto& row : table.rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (i > 0) out << ',';
-      if (const auto* number = std::get_if<std::int64_t>(&row[i])) out << *number;
-      if (const auto* text = std::get_if<std::string>(&row[i])) print_csv_text(out, *text);
-    }
-    out << '\n';
-  }
 }
 
 std::string json_text(std::string_view text) {
@@ -152,23 +156,29 @@ std::string json_text(std::string_view text) {
 
 void print_json(std::ostream& out, const result_table& table) {
   out << '[';
-  std::string_view between_rows = "\n";
+  std::string_view between_rows = "\n  ";
   for (const auto& row : table.rows) {
-    out << between_rows << "  {";
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      out << (i > 0 ? ", " : "") << json_text(table.columns[i].name) << ": ";
-      if (const auto* number = std::get_if<std::int64_t>(&row[i])) {
-        out << *number;
-      } else if (const auto* text = std::get_if<std::string>(&row[i])) {
-        out << json_text(*text);
-      } else {
-        out << "null";
-      }
-    }
-    out << '}';
-    between_rows = ",\n";
+    out << between_rows;
+    print_json_row(out, table.columns, row);
+    between_rows = ",\n  ";
   }
   out << (table.rows.empty() ? "]" : "\n]");
+}
+
+void print_json_row(std::ostream& out, const std::vector<result_column>& columns,
+                    const std::vector<result_cell>& row) {
+  out << '{';
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    out << (i > 0 ? ", " : "") << json_text(columns[i].name) << ": ";
+    if (const auto* number = std::get_if<std::int64_t>(&row[i])) {
+      out << *number;
+    } else if (const auto* text = std::get_if<std::string>(&row[i])) {
+      out << json_text(*text);
+    } else {
+      out << "null";
+    }
+  }
+  out << '}';
 }
 
 }  // namespace kiv::db

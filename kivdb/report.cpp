@@ -5,7 +5,6 @@
 #include "human.h"
 #include "printable.h"
 #include "view_keys.h"
-#include "views.h"
 
 namespace kiv::db {
 namespace {
@@ -230,38 +229,6 @@ bool print_report(std::ostream& out, database& db, const report_options& options
   if (for_people) {
     note_rejected(out, db, chosen.run);
     note_others(out, db, chosen);
-  }
-  return true;
-}
-
-bool print_view(std::ostream& out, database& db, const show_options& options, std::string& error) {
-  if (!find_view(options.view)) {
-    error = "no view " + printable(options.view) + "; `kivdb views` lists them";
-    return false;
-  }
-  std::string sql = "SELECT * FROM " + options.view;
-  if (!options.run.empty()) sql += " WHERE run_id = ?1";
-  if (options.top > 0) sql += " LIMIT " + std::to_string(options.top);
-  statement query = db.prepare(sql);
-  if (query && !options.run.empty()) query.bind(1, std::string_view(options.run));
-  result_table table;
-  table.name = options.view;
-  if (query) name_columns(table, query);
-  if (!query || !fill(table, query)) {
-    error = db.last_error();
-    return false;
-  }
-  switch (options.format) {
-    case output_format::terminal:
-      print_aligned(out, table, options.style);
-      break;
-    case output_format::csv:
-      print_csv(out, table);
-      break;
-    case output_format::json:
-      print_json(out, table);
-      out << '\n';
-      break;
   }
   return true;
 }

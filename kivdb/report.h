@@ -9,8 +9,6 @@
 
 namespace kiv::db {
 
-enum class output_format { terminal, csv, json };
-
 struct report_options {
   std::string run;              // empty: the run imported last
   std::vector<std::string> by;  // names of view keys
@@ -23,16 +21,6 @@ struct report_options {
 // run.
 bool print_report(std::ostream& out, database& db, const report_options& options,
                   std::string& error);
-
-// Prints a view, or its rows of one run.
-struct show_options {
-  std::string view;
-  std::string run;       // empty: all runs
-  std::int64_t top = 0;  // 0: all rows
-  output_format format = output_format::terminal;
-  print_style style;
-};
-bool print_view(std::ostream& out, database& db, const show_options& options, std::string& error);
 
 // The run imported last; empty when there is none.
 std::string latest_run(database& db);

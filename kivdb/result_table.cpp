@@ -2,19 +2,22 @@
 
 namespace kiv::db {
 
-bool fill(result_table& table, statement& query) {
-  while (query.step()) {
-    auto& row = table.rows.emplace_back();
-    for (int i = 0; i < query.columns(); ++i) {
-      if (query.is_null(i)) {
-        row.emplace_back();
-      } else if (query.is_number(i)) {
-        row.emplace_back(query.number(i));
-      } else {
-        row.emplace_back(std::string(query.text(i)));
-      }
+std::vector<result_cell> current_row(const statement& query) {
+  std::vector<result_cell> row;
+  for (int i = 0; i < query.columns(); ++i) {
+    if (query.is_null(i)) {
+      row.emplace_back();
+    } else if (query.is_number(i)) {
+      row.emplace_back(query.number(i));
+    } else {
+      row.emplace_back(std::string(query.text(i)));
     }
   }
+  return row;
+}
+
+bool fill(result_table& table, statement& query) {
+  while (query.step()) table.rows.push_back(current_row(query));
   return !query.failed();
 }
 

@@ -22,11 +22,12 @@ std::string sum_if(const std::string& condition, const std::string& value) {
 }
 std::string count_if(const std::string& condition) { return sum_if(condition, "1"); }
 
-// Live memory at the end of record `rec` of the row `t`.
+// Live memory at the end of record `rec` of the row `t`. A condition on m.rec besides the equality
+// would lead SQLite to scan the whole trace.
 std::string live_at(const std::string& rec) {
-  return "COALESCE((SELECT MAX(" + live("m") +
+  return "CASE WHEN t." + rec + " > 0 THEN COALESCE((SELECT MAX(" + live("m") +
          ") FROM memory m WHERE m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec = t." +
-         rec + " AND m.rec > 0), 0)";
+         rec + "), 0) ELSE 0 END";
 }
 
 // "SUM(g.a) AS a, SUM(g.b) AS b"
@@ -194,9 +195,9 @@ void add_runs(std::vector<view>& all) {
            ") AS ids, p.peak_rec, COALESCE(p.peak_bytes, 0) AS peak_bytes, "
            "COALESCE(p.peak_tot_bytes, 0) AS peak_tot_bytes, p.peak_time, COALESCE((SELECT MAX(" +
            live("x") + ") FROM memory x" + of_trace +
-           " AND x.rec = m.records AND x.rec > 0), 0) AS live_bytes, COALESCE((SELECT MAX(" +
-           live_tot("x") + ") FROM memory x" + of_trace +
-           " AND x.rec = m.records AND x.rec > 0), 0) AS live_tot_bytes, COALESCE((SELECT "
+           " AND x.rec = m.records), 0) AS live_bytes, COALESCE((SELECT MAX(" + live_tot("x") +
+           ") FROM memory x" + of_trace +
+           " AND x.rec = m.records), 0) AS live_tot_bytes, COALESCE((SELECT "
            "MAX(x.sbrk_total) FROM sbrk x" +
            of_trace + "), 0) AS heap_bytes, COALESCE((SELECT MAX(x.gap_total) FROM sbrk x" +
            of_trace +

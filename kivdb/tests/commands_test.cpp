@@ -84,6 +84,8 @@ TEST_F(Commands, ImportReportShowAndViews) {
   EXPECT_EQ(run.out,
             "run_id,main_pid,frees_without_block,resizes_without_block,blocks_of_unknown_ids,"
             "blocks_of_unknown_lines,replayed_to_its_end\nMIX,4101,0,0,0,0,1\n");
+  run = kivdb("show t.db block --top 2");
+  EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 4) << run.out;
   EXPECT_NE(kivdb("views").out.find("heap_growth"), std::string::npos);
 }
 

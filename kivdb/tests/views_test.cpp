@@ -246,6 +246,18 @@ TEST_F(Views, StoredViewsEqualTheirQueries) {
   }
 }
 
+// A marker's live memory is one look-up; a scan per marker would take minutes on a large trace.
+TEST_F(Views, LookMarkersUp) {
+  ASSERT_TRUE(db_.open(dir_ / "test.db", open_mode::create));
+  int look_ups = 0;
+  for (const auto& step : rows("EXPLAIN QUERY PLAN SELECT * FROM marker_change")) {
+    if (step.find("memory_by_rec") == std::string::npos) continue;
+    EXPECT_NE(step.find("(run_id=? AND main_pid=? AND rec=?)"), std::string::npos) << step;
+    ++look_ups;
+  }
+  EXPECT_GE(look_ups, 1);
+}
+
 TEST_F(Views, AddUpGroupsThatCameInParts) {
   analyse("MIX");
   import(dir_ / "MIX");
