@@ -54,7 +54,7 @@ void add_base(std::vector<view>& all) {
                  "m.callee_function, m.query_seq, m.size, m.tot_size, m.size_change, "
                  "f.free_rec AS end_rec, f.type AS end_type FROM memory m LEFT JOIN freemem f "
                  "ON f.run_id = m.run_id AND f.main_pid = m.main_pid AND f.alloc_rec = m.rec "
-                 "WHERE m.type IN ('a', 'n', 'r') AND m.rec > 0"});
+                 "WHERE m.type IN ('a', 'n') OR (m.type = 'r' AND m.linked_rec <> 0)"});
   all.push_back({"peak", "the record at which most memory was live, per trace",
                  "WITH t AS (SELECT m.run_id, m.main_pid, MAX(" + live("m") +
                      ") AS peak_bytes FROM memory m WHERE m.rec > 0 GROUP BY m.run_id, "
@@ -182,7 +182,7 @@ void add_runs(std::vector<view>& all) {
            sum_if("type IN ('a', 'n')", "1") + " AS allocs, " +
            sum_if("type IN ('a', 'n')", "size") + " AS alloc_bytes, " + sum_if("type = 'f'", "1") +
            " AS frees, " + sum_if("type = 'f' AND linked_rec = 0", "1") +
-           " AS frees_without_block, " + sum_if("rec = 0", "1") +
+           " AS frees_without_block, " + sum_if("type = 'r' AND linked_rec = 0", "1") +
            " AS resizes_without_block FROM memory GROUP BY run_id, main_pid) SELECT r.run_id, "
            "r.main_pid, "
            "r.program, r.environment, r.account, r.host, r.user_name, r.description, "

@@ -47,7 +47,7 @@ class ledger {
         live_.erase(made);
       }
       const std::string_view type = memory_.text(i, "type");
-      if (type == "a" || type == "n" || (type == "r" && rec > 0)) {
+      if (type == "a" || type == "n" || (type == "r" && memory_.number(i, "linked_rec") != 0)) {
         const std::int64_t size = memory_.number(i, "size");
         live_[rec] = {rec, size, key};
         total_ += size;
@@ -206,7 +206,7 @@ TEST_F(Views, NamesAndLosses) {
     return row + "\n";
   };
   write_run("R", {{"memory.1", memory('a', 1, 5, 9, 10, 0) + memory('a', 2, 6, 8, 20, 0) +
-                                   memory('f', 3, 5, 9, 0, 0) + memory('r', 0, 5, 9, 0, 0)},
+                                   memory('f', 3, 5, 9, 0, 0) + memory('r', 3, 5, 9, 40, 0)},
                   {"malid.1", "R;0;5;0;lock x;general;;;0;" + time + ";" + time +
                                   ";0;1\n"
                                   "R;0;5;0;announced twice;general;;;0;" +

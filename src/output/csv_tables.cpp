@@ -46,7 +46,7 @@ constexpr auto memory_event = columns({
   {"main_pid",              i64,  id,     "Process id of the trace"},
   {"time",                  time, none,   "Time of the last time stamp before the record"},
   {"type",                  character, none, "a with-free allocation, n no-free allocation, f free, r resize in place, F id freed, Z id reset"},
-  {"rec",                   u64,  record, "Memory record number, 1, 2, 3 ... within a trace; 0 when a resize found no block"},
+  {"rec",                   u64,  record, "Memory records booked so far, this one included; a resize that finds no block is not booked"},
   {"rec_thousands",         u64,  none,   "rec / 1000"},
 });
 
@@ -164,7 +164,7 @@ constexpr auto queryevents = join(columns({
   {"time",                  time, none,   "Time at which the operation ended"},
   {"qid",                   u64,  id,     "Query, key into `queries`"},
   {"linked_qid",            u64,  id,     "Query that this one belongs to; the query itself when it stands alone"},
-  {"type",                  character, none, "p prepare, b begin, c call, or another letter of the traced runtime"},
+  {"type",                  character, none, "Kind of operation, a letter of the traced runtime: p, b, c, e, f, s"},
   {"start_sbrk_rows",       u64,  count,  "Rows of `sbrk` at entry; both 0 when none was written meanwhile"},
   {"end_sbrk_rows",         u64,  count,  "Rows of `sbrk` at exit"},
   {"start_rec",             u64,  record, "Memory record number at entry; both 0 when there was none meanwhile"},
