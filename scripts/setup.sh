@@ -6,7 +6,7 @@ set -eu
 packages="g++ make cmake ninja-build pkg-config
   libexpat1-dev libabsl-dev libfmt-dev libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev"
 if [ "${1-}" = --checks ]; then
-  packages="$packages clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev"
+  packages="$packages g++-multilib clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev"
 fi
 
 if ! command -v dpkg-query >/dev/null; then
