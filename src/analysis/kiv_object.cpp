@@ -1,5 +1,9 @@
 #include "analysis/kiv_object.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include "events/event_fields.h"
 #include "memory/kiv_reserve_id_db.h"
 #include "memory/reserve_type.h"
@@ -8,16 +12,18 @@
 namespace kiv {
 
 void function_table::announce(std::int32_t number, const std::string& name) {
-  functions_[number].push_front({object_id_, number, name, ++announcements_});
+  Func_loc location{object_id_, number, name, ++announcements_};
+  functions_[number].push_back(std::make_unique<Func_loc>(std::move(location)));
 }
 
 const Func_loc* function_table::find(std::int32_t number, std::uint32_t after_announcements) const {
   const auto entry = functions_.find(number);
   if (entry == functions_.end()) return nullptr;
-  for (const Func_loc& location : entry->second) {
-    if (location.announced <= after_announcements) return &location;
-  }
-  return nullptr;
+  const auto& locations = entry->second;
+  const auto later = std::partition_point(
+      locations.begin(), locations.end(),
+      [=](const auto& location) { return location->announced <= after_announcements; });
+  return later == locations.begin() ? nullptr : std::prev(later)->get();
 }
 
 void function_table::dump(std::ostream& os, std::string_view run_columns,
@@ -25,7 +31,7 @@ void function_table::dump(std::ostream& os, std::string_view run_columns,
   for (const auto& [number, locations] : functions_) {
     csv_row row(os);
     row.raw(run_columns).col(object_name).col(object_id_).col(number);
-    row.col(locations.front().name).end_line();
+    row.col(locations.back()->name).end_line();
   }
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <forward_list>
 #include <map>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "analysis/call_graph.h"
 #include "events/kiv_event.h"
@@ -33,7 +34,7 @@ class function_table {
  private:
   std::uint32_t object_id_;
   std::uint32_t announcements_ = 0;
-  std::map<std::int32_t, std::forward_list<Func_loc>> functions_;  // the newest location first
+  std::map<std::int32_t, std::vector<std::unique_ptr<Func_loc>>> functions_;  // the newest last
 };
 
 // A loaded object: the record that announces it, and its functions and Hosk functions.
