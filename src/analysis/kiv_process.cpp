@@ -157,12 +157,17 @@ void KivProcess::columns(csv_row& row) const {
 }
 
 void KivProcess::free_process() {
+  // Only what a call went through, or stood at the base of the stack, has anything to forget.
+  for (const FuncArc& arc : arcs_) {
+    arc.from->forget_calls();
+    arc.to->forget_calls();
+  }
+  const auto base = specials_.find(0);
+  if (base != specials_.end()) base->second->relation.forget_calls();
   stack_.clear();
   arcs_ = {};
   oips_.clear();
   former_specials_.clear();
-  for (const auto& [number, special] : specials_) special->relation.forget_calls();
-  if (root_ != nullptr) root_->relation.forget_calls();
   unattached_symbols_.clear();
   symbols_.clear();
   alive_ = false;
