@@ -5,14 +5,13 @@
 #include "analysis/kiv_object.h"
 #include "analysis/kiv_object_db.h"
 #include "analysis/kiv_process.h"
-#include "analysis/kiv_process_db.h"
 #include "analysis/kiv_symbol.h"
 #include "reader/kiv_reader.h"
 
 namespace kiv {
 
 const std::string& Func_loc::get_obj_name(kiv_reader* reader) const {
-  if (function_number < 1) return reader->processes().get_process(object_id)->internal_name();
+  if (function_number < 1) return KivProcess::internal_name();
   return reader->objects().get_object(object_id)->name;
 }
 

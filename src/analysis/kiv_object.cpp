@@ -13,17 +13,23 @@ namespace kiv {
 
 void function_table::announce(std::int32_t number, const std::string& name) {
   Func_loc location{object_id_, number, name, ++announcements_};
-  functions_[number].push_back(std::make_unique<Func_loc>(std::move(location)));
+  const auto entry = functions_.find(number);
+  if (entry == functions_.end()) {
+    functions_.try_emplace(number, announced_locations{std::move(location), {}});
+  } else {
+    entry->second.later.push_back(std::make_unique<Func_loc>(std::move(location)));
+  }
 }
 
 const Func_loc* function_table::find(std::int32_t number, std::uint32_t after_announcements) const {
   const auto entry = functions_.find(number);
   if (entry == functions_.end()) return nullptr;
-  const auto& locations = entry->second;
-  const auto later = std::partition_point(
-      locations.begin(), locations.end(),
-      [=](const auto& location) { return location->announced <= after_announcements; });
-  return later == locations.begin() ? nullptr : std::prev(later)->get();
+  const auto& [first, later] = entry->second;
+  const auto unseen = std::partition_point(later.begin(), later.end(), [=](const auto& location) {
+    return location->announced <= after_announcements;
+  });
+  if (unseen != later.begin()) return std::prev(unseen)->get();
+  return first.announced <= after_announcements ? &first : nullptr;
 }
 
 void function_table::dump(std::ostream& os, std::string_view run_columns,
@@ -31,7 +37,7 @@ void function_table::dump(std::ostream& os, std::string_view run_columns,
   for (const auto& [number, locations] : functions_) {
     csv_row row(os);
     row.raw(run_columns).col(object_name).col(object_id_).col(number);
-    row.col(locations.back()->name).end_line();
+    row.col(locations.newest().name).end_line();
   }
 }
 

@@ -32,9 +32,16 @@ class function_table {
   void dump(std::ostream& os, std::string_view run_columns, std::string_view object_name) const;
 
  private:
+  // The locations that one number had, which mostly is one. They stay in their places.
+  struct announced_locations {
+    const Func_loc& newest() const { return later.empty() ? first : *later.back(); }
+    Func_loc first;
+    std::vector<std::unique_ptr<Func_loc>> later;  // the newest last
+  };
+
   std::uint32_t object_id_;
   std::uint32_t announcements_ = 0;
-  std::map<std::int32_t, std::vector<std::unique_ptr<Func_loc>>> functions_;  // the newest last
+  std::map<std::int32_t, announced_locations> functions_;
 };
 
 // A loaded object: the record that announces it, and its functions and Hosk functions.

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <utility>
 
-#include "output/ascending.h"
 #include "output/csv_row.h"
 
 namespace kiv {
@@ -22,19 +21,17 @@ void KivObject_db::add_object(std::unique_ptr<KivObjectLoad> object) {
 
 void KivObject_db::dump_db_obj(std::ostream& os, std::string_view run_columns) const {
   csv_row(os).raw(run_columns).col(0).col("(no object)").end_line();
-  for (const auto* entry : in_ascending_order(objects_)) {
+  for (const auto& [id, object] : objects_) {
     csv_row row(os);
     row.raw(run_columns);
-    entry->second->columns(row);
+    object->columns(row);
     row.end_line();
   }
 }
 
 void KivObject_db::dump_db_objfun(std::ostream& os, std::string_view run_columns) const {
   csv_row(os).raw(run_columns).col("(no object)").col(0).col(0).col("(no function)").end_line();
-  for (const auto* entry : in_ascending_order(objects_)) {
-    entry->second->dump_funcs(os, run_columns);
-  }
+  for (const auto& [id, object] : objects_) object->dump_funcs(os, run_columns);
 }
 
 }  // namespace kiv

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <absl/container/flat_hash_map.h>
+#include <absl/container/btree_map.h>
 
 #include <cstdint>
 #include <memory>
@@ -29,7 +29,7 @@ class KivObject_db {
 
  private:
   KivObjectLoad default_object_;
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivObjectLoad>> objects_;
+  absl::btree_map<std::uint32_t, std::unique_ptr<KivObjectLoad>> objects_;
 };
 
 }  // namespace kiv

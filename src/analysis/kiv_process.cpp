@@ -17,8 +17,7 @@ KivProcess::KivProcess(kiv_reader* reader, const KivProcessStart& event)
       session_name_(event.session_name),
       reader_(reader),
       statistics_(id_stat_divisor),
-      root_(std::make_unique<own_function>(
-          pid_, 0, pid_ == 0 ? " process init+term" : "3gl process init+term")) {
+      root_(std::in_place, pid_, 0, pid_ == 0 ? " process init+term" : "3gl process init+term") {
   add_arc(&root_->relation, &root_->relation);
 }
 
@@ -30,12 +29,17 @@ KivProcess::KivProcess(kiv_reader* reader, int divisor)
       reader_(reader),
       statistics_(divisor) {}
 
-void KivProcess::set_start(const std::string& time, std::uint64_t record) {
+const std::string& KivProcess::internal_name() {
+  static const std::string name = "(process internal)";
+  return name;
+}
+
+void KivProcess::set_start(const moment_text& time, std::uint64_t record) {
   start_time_ = time;
   start_record_ = record;
 }
 
-void KivProcess::set_end(const std::string& time, std::uint64_t record) {
+void KivProcess::set_end(const moment_text& time, std::uint64_t record) {
   end_time_ = time;
   end_record_ = record;
 }

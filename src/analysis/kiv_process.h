@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "analysis/kiv_oip.h"
 #include "analysis/kiv_symbol.h"
 #include "events/event_context.h"
+#include "header/moment_text.h"
 #include "memory/kiv_malid_stat.h"
 #include "output/csv_row.h"
 
@@ -34,12 +36,12 @@ class KivProcess {
 
   std::uint32_t pid() const { return pid_; }
   const std::string& session_name() const { return session_name_; }
-  const std::string& internal_name() const { return internal_name_; }
+  static const std::string& internal_name();
   bool alive() const { return alive_; }
   void set_mal_id(std::uint32_t id) { mal_id_ = id; }
   void set_xml_id(std::uint32_t id) { xml_id_ = id; }
-  void set_start(const std::string& time, std::uint64_t record);
-  void set_end(const std::string& time, std::uint64_t record);
+  void set_start(const moment_text& time, std::uint64_t record);
+  void set_end(const moment_text& time, std::uint64_t record);
 
   // Memory statistics: of the process, and of one allocation id in it. The latter is made on first
   // use with as many colours as the id has then; never null.
@@ -118,9 +120,8 @@ class KivProcess {
   std::uint32_t mal_id_ = 0;
   std::uint32_t xml_id_ = 0;
   const std::string session_name_;
-  const std::string internal_name_ = "(process internal)";
-  std::string start_time_;
-  std::string end_time_;
+  moment_text start_time_;
+  moment_text end_time_;
   std::uint64_t start_record_ = 0;
   std::uint64_t end_record_ = 0;
   kiv_reader* const reader_;
@@ -135,7 +136,7 @@ class KivProcess {
   // graph, so it stays until the process ends.
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<own_function>> specials_;
   std::vector<std::unique_ptr<own_function>> former_specials_;
-  std::unique_ptr<own_function> root_;  // calls itself through arc 0; the default process has none
+  std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
   std::vector<Func_context> stack_;
   std::vector<FuncArc> arcs_;  // by arc number
   hosk_call hosk_call_;

@@ -46,7 +46,7 @@ void KivProcess_db::link_xml_id(const KivReserveId& id) {
   if (KivProcess* process = find_named_process(id)) process->set_xml_id(id.id);
 }
 
-void KivProcess_db::check_end_time(const std::string& time, std::uint64_t record) {
+void KivProcess_db::check_end_time(const moment_text& time, std::uint64_t record) {
   const auto close = [&](KivProcess& process) {
     if (process.alive()) process.set_end(time, record);
   };

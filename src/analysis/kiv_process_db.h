@@ -34,7 +34,7 @@ class KivProcess_db {
   void link_xml_id(const KivReserveId& id);
 
   // Closes the times of the processes that still live at the end of the trace.
-  void check_end_time(const std::string& time, std::uint64_t record);
+  void check_end_time(const moment_text& time, std::uint64_t record);
   // One row of `process` per process in ascending order of pid.
   void dump_db(std::ostream& os, std::string_view runid) const;
 

@@ -20,7 +20,7 @@ void KivQuery::complete(const KivQueryOut& event) {
   linked_qid = linked_qid_of(event);
 }
 
-void KivQuery::note_use(std::uint32_t type, const std::string& now) {
+void KivQuery::note_use(std::uint32_t type, const moment_text& now) {
   if (type == 'b') {
     first_use = now;
   } else if (type == 'c') {
@@ -29,7 +29,7 @@ void KivQuery::note_use(std::uint32_t type, const std::string& now) {
   }
 }
 
-void KivQuery::check_times(const std::string& end_time) {
+void KivQuery::check_times(const moment_text& end_time) {
   if (last_use.empty()) last_use = end_time;
   if (first_use.empty()) first_use = end_time;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "events/event_context.h"
+#include "header/moment_text.h"
 #include "output/csv_row.h"
 
 namespace kiv {
@@ -14,15 +15,15 @@ class KivQueryOut;
 // One SQL statement.
 class KivQuery {
  public:
-  KivQuery(std::string text, std::uint32_t current_pid, std::string now)
-      : query(std::move(text)), pid(current_pid), start_time(std::move(now)) {}
+  KivQuery(std::string text, std::uint32_t current_pid, const moment_text& now)
+      : query(std::move(text)), pid(current_pid), start_time(now) {}
 
   // Takes the statement's numbers from the query-out that completes it.
   void complete(const KivQueryOut& event);
   // Notes the time of a bracket of type 'b' or 'c' around the statement; others change nothing.
-  void note_use(std::uint32_t type, const std::string& now);
+  void note_use(std::uint32_t type, const moment_text& now);
   // Closes the times at the end of the trace.
-  void check_times(const std::string& end_time);
+  void check_times(const moment_text& end_time);
 
   // The row behind run id and pid, its "<<>>" included, without a line end.
   void print(csv_row& row) const;
@@ -31,9 +32,9 @@ class KivQuery {
   std::uint32_t qid = 0;
   std::uint32_t linked_qid = 0;  // the same as qid when the record names none
   const std::uint32_t pid;
-  const std::string start_time;
-  std::string first_use;  // empty until then
-  std::string last_use;
+  const moment_text start_time;
+  moment_text first_use;  // empty until then
+  moment_text last_use;
 };
 
 // One bracket of an SQL operation, from its query-in to its query-out.

@@ -24,7 +24,7 @@ KivQuery* KivQuery_db::find_query(std::uint32_t qid) const {
   return entry == queries_.end() ? nullptr : entry->second.get();
 }
 
-void KivQuery_db::check_times(const std::string& end_time) {
+void KivQuery_db::check_times(const moment_text& end_time) {
   for (const auto& [qid, query] : queries_) query->check_times(end_time);
 }
 

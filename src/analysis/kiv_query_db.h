@@ -21,7 +21,7 @@ class KivQuery_db {
 
   KivQuery* find_query(std::uint32_t qid) const;  // null when there is none
 
-  void check_times(const std::string& end_time);
+  void check_times(const moment_text& end_time);
   void dump_db(std::ostream& os, std::string_view run_columns) const;
 
  private:

@@ -73,9 +73,7 @@ KivFRID::KivFRID(kiv_type type, kiv_reader* reader, const KivReserveId& id, std:
 
 void KivFRID::setelems() {
   record_number_ = reader()->reserve_ids().count_free_of_id();
-  books_ = find_memory_books(*reader(), id_.id, 0, *reader()->cc_curr_proc());
-  books_.color = nullptr;  // the row speaks of all colours of the id
-  books_.process.color = nullptr;
+  books_ = find_memory_books(*reader(), id_.id, *reader()->cc_curr_proc());
 }
 
 memory_figures KivFRID::figures() const {

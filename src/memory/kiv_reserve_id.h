@@ -5,6 +5,7 @@
 #include <string>
 
 #include "events/kiv_event.h"
+#include "header/moment_text.h"
 #include "memory/kiv_malid_stat.h"
 #include "memory/kiv_mem.h"
 #include "memory/number_table.h"
@@ -48,8 +49,8 @@ class KivReserveId final : public KivContext {
   std::uint32_t location_text = 0;  // in the book of source locations
   std::int64_t location = 0;
 
-  std::string start_time;
-  std::string end_time;
+  moment_text start_time;
+  moment_text end_time;
   std::uint64_t start_record = 0;
   std::uint64_t end_record = 0;
   bool active = false;

@@ -110,7 +110,7 @@ void KivReserveId_db::set_heap_columns() {
   heap_columns_.assign(text.data(), static_cast<std::size_t>(end - text.data()));
 }
 
-void KivReserveId_db::check_end_time(const std::string& time, std::uint64_t records) {
+void KivReserveId_db::check_end_time(const moment_text& time, std::uint64_t records) {
   ids_.for_each([&](KivReserveId& id) {
     if (!id.active) return;
     id.end_time = time;

@@ -68,7 +68,7 @@ class KivReserveId_db {
   void heap_columns(csv_row& row) const { row.raw(heap_columns_); }
 
   // Closes every id that is still active at the end of the trace.
-  void check_end_time(const std::string& time, std::uint64_t records);
+  void check_end_time(const moment_text& time, std::uint64_t records);
   void dump_db(std::ostream& os, std::string_view run_columns) const;
   void dump_db_colors(std::ostream& os, std::string_view run_columns) const;
 

@@ -6,6 +6,13 @@
 
 namespace kiv {
 
+memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, KivProcess& process) {
+  memory_books books;
+  books.reserve_id = reader.reserve_ids().get_reserve_id(id);
+  books.process = {&process.statistics(), &process.get_mc_stat(id)->stat, nullptr};
+  return books;
+}
+
 memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, std::uint32_t color,
                                KivProcess& process) {
   memory_books books;

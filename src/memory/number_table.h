@@ -1,12 +1,15 @@
 #pragma once
 
+#include <absl/container/flat_hash_map.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
+
+#include "output/ascending.h"
 
 namespace kiv {
 
@@ -42,7 +45,7 @@ class number_table {
   }
 
  private:
-  using high_map = std::map<std::uint32_t, Slot>;
+  using high_map = absl::flat_hash_map<std::uint32_t, Slot>;
 
   static auto* value_in(auto* slot) { return slot != nullptr && *slot ? &**slot : nullptr; }
 
@@ -59,7 +62,7 @@ class number_table {
       if (slot) action(*slot);
     }
     if (table.high_ == nullptr) return;
-    for (auto& [number, slot] : *table.high_) action(*slot);
+    for (auto* entry : in_ascending_order(*table.high_)) action(*entry->second);
   }
   Slot& make_slot(std::uint32_t number) {
     if (number < low_limit) {

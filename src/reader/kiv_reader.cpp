@@ -24,16 +24,15 @@ kiv_reader::kiv_reader(XmlParser* parser, csv_file_sequence* seq, sql_script* sc
   header_->dump_entries();
   layout_ = record_layout(*header_);
   files_.set_list(header_->files(), header_->little_endian());
-  end_time_ = time_text(header_->end_secs(), header_->end_nsecs());
+  end_time_ = moment_text(time_text(header_->end_secs(), header_->end_nsecs()));
   run_columns_ = header_->runid() + data_sep + std::to_string(header_->pid()) + data_sep;
-  const std::string start_time = time_text(header_->start_secs(), header_->start_nsecs());
-  set_now(start_time);
+  set_now(time_text(header_->start_secs(), header_->start_nsecs()));
 
   hash_locations_ = std::make_unique<KivHashLoc_db>();
   reserve_ids_ = std::make_unique<KivReserveId_db>(this);
   objects_ = std::make_unique<KivObject_db>(this);
   auto default_process = std::make_unique<KivProcess>(this, id_stat_divisor);
-  default_process->set_start(start_time, 0);
+  default_process->set_start(now_, 0);
   processes_ = std::make_unique<KivProcess_db>(std::move(default_process));
   queries_ = std::make_unique<KivQuery_db>();
   processes_changed();
@@ -51,9 +50,9 @@ void kiv_reader::readloc(std::uint32_t width, std::uint32_t& text_index, std::in
 }
 
 void kiv_reader::set_now(std::string_view time_text) {
-  now_ = time_text;
+  now_ = moment_text(time_text);
   event_columns_ = run_columns_;
-  event_columns_ += now_;
+  event_columns_ += time_text;
   event_columns_ += data_sep;
 }
 

@@ -7,6 +7,7 @@
 
 #include "events/event_context.h"
 #include "header/kiv_hdr.h"
+#include "header/moment_text.h"
 #include "header/time_text.h"
 #include "memory/live_block_pool.h"
 #include "reader/data_files.h"
@@ -80,19 +81,19 @@ class kiv_reader {
   void WriteMarker(std::string_view type, std::string_view subtype, std::string_view time,
                    std::string_view text);
   // Writes the marker of every 1000th record; other counts write nothing.
-  void record_count_marker(std::uint32_t count, const std::string& time) {
+  void record_count_marker(std::uint32_t count, std::string_view time) {
     if (count % 1000 == 0)
       WriteMarker("Record", "recs", time, "Record nr " + std::to_string(count));
   }
 
   // Time: the last time stamp of the trace, at first the measurement's start.
-  const std::string& now() const { return now_; }
+  const moment_text& now() const { return now_; }
   void set_now(std::string_view time_text);
   // The local-time text of a moment; stays until the next call.
   std::string_view local_time(std::uint32_t secs, std::uint32_t nsecs) {
     return clock_.text(secs, nsecs);
   }
-  const std::string& end_time() const { return end_time_; }
+  const moment_text& end_time() const { return end_time_; }
 
   // The current process and its call context.
   std::uint32_t current_pid() const { return current_pid_; }
@@ -131,10 +132,10 @@ class kiv_reader {
   record_layout layout_;
   data_files files_;
   minute_clock clock_;
-  std::string end_time_;
+  moment_text end_time_;
   std::string run_columns_;
   std::string event_columns_;
-  std::string now_;
+  moment_text now_;
 
   std::unique_ptr<replay_tables> tables_;  // declared before the books: closed after them
 
