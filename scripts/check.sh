@@ -3,19 +3,15 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-step() { printf '\n== %s\n' "$*"; }
+start=$(date +%s)
+step() { printf '\n== %s (after %s s)\n' "$*" "$(($(date +%s) - start))"; }
 
 scripts/setup.sh --checks
 
 step "format"
 scripts/format.sh --check
 
-step "clang, warnings as errors"
-cmake --preset clang >/dev/null
-cmake --build --preset clang
-ctest --preset clang --progress
-
-step "address and undefined behaviour sanitizers"
+step "clang, warnings as errors, address and undefined behaviour sanitizers"
 cmake --preset asan >/dev/null
 cmake --build --preset asan
 ctest --preset asan --progress
@@ -25,7 +21,7 @@ scripts/build32.sh
 
 step "clang-tidy"
 find "$PWD/src" "$PWD/kivdb" -name '*.cpp' ! -path '*/tests/*' -print0 2>/dev/null |
-  xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 -p build/clang --quiet
+  xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 -p build/asan --quiet
 
 if [ -d fuzz ]; then
   step "fuzzing"
