@@ -110,7 +110,8 @@ bool fits(const csv_column& column, std::string_view cell) {
     case column_type::character:
       return cell.size() == 1;
     case column_type::time:
-      return cell.empty() || cell.size() == 23;
+      // Nanoseconds of a second or more make the milliseconds longer.
+      return cell.empty() || cell.size() == 23 || cell.size() == 24;
     case column_type::i64:
     case column_type::u64:
       return cell.size() > sign && cell.find_first_not_of("0123456789", sign) == cell.npos;

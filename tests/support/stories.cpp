@@ -57,7 +57,13 @@ void every_record(trace& t) {
       .malloc_nf(18, 0, 0x8700, 1, 16);
   t.reset_id(20, 16, 304, 0x503).malloc_wf(20, 0, 0x8600, 6, 16, 0x501);
   t.time(1'700'000'003).free_id(20, 16, 0, 0x503).free_id(3, 208 + 48, 32, 0x503);
-  t.schedule(8, 7).flow_out().proc_end(7).flow_in(3, 1, 4, 1).mallinfo(12800, 800, 12000);
+  t.schedule(8, 7)
+      .flow_out()
+      .malloc_nf(14, 0, 0x8780, 2, 16)
+      .proc_end(7)
+      .malloc_nf(14, 0, 0x8790, 3, 16)
+      .flow_in(3, 1, 4, 1)
+      .mallinfo(12800, 800, 12000);
   t.malloc_wf(12, 2, 0x8800, 9, 16, 0x501).marker(std::string(300, 'm'));
 }
 
@@ -120,7 +126,7 @@ void random_operations(trace& t, std::uint32_t seed, int operations) {
   };
   std::vector<block> blocks{{1, 0, 16}};
   block next{}, known{};
-  std::uint32_t size = 0;
+  std::uint32_t size = 0, last_pid = 4;
   std::int64_t at = 0;
   const std::function<void()> frequent[] = {
       [&] { t.malloc_wf(next.id, next.color, next.addr, size, size + 16, at); },
@@ -131,7 +137,7 @@ void random_operations(trace& t, std::uint32_t seed, int operations) {
       [&] { t.free(known.id, known.color, known.addr, at); },
       [&] { t.free(known.id, below(4), known.addr, at); },
       [&] { t.realloc(known.id, known.color, known.addr, size, size + 16, at); },
-      [&] { t.schedule(0, below(6)); },
+      [&] { t.schedule(0, below(last_pid + 2)); },
       [&] {
         const std::uint32_t n[] = {below(5), below(6), below(5), below(6)};  // in this order
         t.flow_in(n[0] + 1, static_cast<int>(n[1]) - 1, n[2] + 1, static_cast<int>(n[3]) - 1);
@@ -144,7 +150,11 @@ void random_operations(trace& t, std::uint32_t seed, int operations) {
       [&] { t.gap(known.addr, next.addr); },
       [&] { t.free_id(next.id, size, size); },
       [&] { t.reset_id(next.id, size, size, at); },
-      [&] { t.proc_end(4); },
+      [&] { t.proc_end(1 + below(last_pid)); },
+      [&] {
+        ++last_pid;
+        t.proc(last_pid, "late").special(last_pid, 0, "main").link(last_pid, 1);
+      },
       [&] { t.marker("mark " + std::to_string(size)); },
       [&] { t.query_in(0, "pbc"[below(3)], "query"); },
       [&] { t.query_out(size); },
