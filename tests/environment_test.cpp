@@ -79,6 +79,7 @@ TEST(Environment, WhatTheSystemRefusesIsReportedAndTheRunGoesOn) {
   } cases[] = {
       {"a table cannot be created", link(memory, "missing/file"), run,
        "cannot write ./" + memory + "\n", all_but_memory},
+      {"a table is not wanted", directory(memory), run, "", all_but_memory},
       {"the script cannot be created", link(script, "missing/file"), run, "", all_but_script},
       {"no space for a table", link(memory, "/dev/full"), then_remove(memory),
        "cannot write ./" + memory + "\n", all_but_memory},

@@ -1,5 +1,6 @@
 #include "output/csv_file.h"
 
+#include <cerrno>
 #include <iostream>
 
 #include "output/csv_file_sequence.h"
@@ -22,10 +23,11 @@ bool csv_file::open_file(bool create, bool next) {
   file_name_ = generate_file_name(next);
   const std::string path = directory_ + "/" + file_name_;
   const bool opened = buffer_.open(path, create);
+  const bool switched_off = !opened && errno == EISDIR;
   stream_.clear(opened ? std::ios_base::goodbit : std::ios_base::failbit);
   if (create) script_->generate_import(name_, sequence_->curr_sequence(name_, false));
   std::cout << "csv_file: " << path << ' ' << (create ? 1 : 0) << '\n';
-  if (!opened && !loss_reported_) {
+  if (!opened && !switched_off && !loss_reported_) {
     std::cerr << "cannot write " << path << '\n';
     loss_reported_ = true;
   }

@@ -13,7 +13,8 @@ class sql_script;
 
 // One CSV table of one trace: an open file, continued in further files when a size limit is set.
 // A file that cannot be opened swallows its rows; the run goes on. The first one of a table is
-// reported on the error stream.
+// reported on the error stream, but for a directory in the file's place: that is how one says that
+// the table is not wanted.
 class csv_file {
  public:
   // Opens the table's current file at once. The first trace of a run creates it and announces it

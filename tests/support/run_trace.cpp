@@ -96,7 +96,7 @@ run_result called(const std::string& cwd, const std::function<int()>& run) {
 void collect_files(run_result& result, const std::string& cwd) {
   for (const auto& entry : fs::recursive_directory_iterator(cwd)) {
     const std::string name = entry.path().filename();
-    if (name.ends_with(".csv") || name.ends_with(".sql"))
+    if (!entry.is_directory() && (name.ends_with(".csv") || name.ends_with(".sql")))
       result.files[name] = read_file(entry.path());
   }
 }
