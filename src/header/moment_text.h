@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <cassert>
 #include <cstdint>
 #include <string_view>
 
@@ -12,10 +11,8 @@ namespace kiv {
 class moment_text {
  public:
   moment_text() = default;
-  explicit moment_text(std::string_view text) : length_(static_cast<std::uint8_t>(text.size())) {
-    assert(text.size() <= text_.size());
-    text.copy(text_.data(), text_.size());
-  }
+  explicit moment_text(std::string_view text)
+      : length_(static_cast<std::uint8_t>(text.copy(text_.data(), text_.size()))) {}
 
   bool empty() const { return length_ == 0; }
   operator std::string_view() const { return {text_.data(), length_}; }  // NOLINT: it is a text

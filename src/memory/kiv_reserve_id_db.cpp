@@ -119,7 +119,7 @@ void KivReserveId_db::check_end_time(const moment_text& time, std::uint64_t reco
 }
 
 void KivReserveId_db::dump_db(std::ostream& os, std::string_view run_columns) const {
-  ids_.for_each([&](const KivReserveId& id) {
+  ids_.for_each_ascending([&](const KivReserveId& id) {
     csv_row row(os);
     row.raw(run_columns);
     id.columns(row);
@@ -128,7 +128,7 @@ void KivReserveId_db::dump_db(std::ostream& os, std::string_view run_columns) co
 }
 
 void KivReserveId_db::dump_db_colors(std::ostream& os, std::string_view run_columns) const {
-  ids_.for_each([&](const KivReserveId& id) {
+  ids_.for_each_ascending([&](const KivReserveId& id) {
     for (std::uint32_t color = 0; color < id.color_count(); ++color) {
       csv_row row(os);
       row.raw(run_columns).cols(id.id, color).col(id.color_name(color)).end_line();

@@ -34,14 +34,22 @@ class number_table {
     return *slot;
   }
 
-  // In ascending order of the numbers.
   template <class Action>
   void for_each(Action action) {
-    visit(*this, action);
+    for (auto& slot : low_) {
+      if (slot) action(*slot);
+    }
+    if (high_ == nullptr) return;
+    for (auto& [number, slot] : *high_) action(*slot);
   }
+  // In ascending order of the numbers.
   template <class Action>
-  void for_each(Action action) const {
-    visit(*this, action);
+  void for_each_ascending(Action action) const {
+    for (const auto& slot : low_) {
+      if (slot) action(*slot);
+    }
+    if (high_ == nullptr) return;
+    for (const auto* entry : in_ascending_order(*high_)) action(*entry->second);
   }
 
  private:
@@ -56,13 +64,6 @@ class number_table {
     if (number < low_limit || table.high_ == nullptr) return none;
     const auto entry = table.high_->find(number);
     return entry == table.high_->end() ? none : &entry->second;
-  }
-  static void visit(auto& table, auto& action) {
-    for (auto& slot : table.low_) {
-      if (slot) action(*slot);
-    }
-    if (table.high_ == nullptr) return;
-    for (auto* entry : in_ascending_order(*table.high_)) action(*entry->second);
   }
   Slot& make_slot(std::uint32_t number) {
     if (number < low_limit) {
