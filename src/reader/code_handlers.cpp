@@ -1,6 +1,5 @@
 // Records about processes and the code they run: objects, functions, source locations, call flow.
 
-#include <absl/strings/str_cat.h>
 #include <fmt/format.h>
 
 #include <iostream>
@@ -82,7 +81,7 @@ void event_loop::on_process_start() {
   reader_.processes().add_process(std::move(process));
   reader_.processes_changed();
   reader_.WriteMarker("Process", "Start", reader_.now(),
-                      absl::StrCat("Start: ", event.session_name, " ", event.pid));
+                      marker_text("Start: ", event.session_name, " ", event.pid));
 }
 
 void event_loop::on_process_end() {
@@ -90,7 +89,7 @@ void event_loop::on_process_end() {
   decode(event);
   KivProcess& process = *reader_.processes().get_process(event.pid);
   process.set_end(reader_.now(), counters.record_count);
-  const std::string text = absl::StrCat("End: ", process.session_name(), " ", process.pid());
+  const std::string& text = marker_text("End: ", process.session_name(), " ", process.pid());
   reader_.WriteMarker("Process", "End", reader_.now(), text);
   if (debug_level > 0) std::cerr << "End process: " + text + "\n";
   process.dump_arcs(reader_.table(replay_table::arcs).get_stream());

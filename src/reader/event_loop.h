@@ -1,8 +1,11 @@
 #pragma once
 
+#include <absl/strings/str_cat.h>
+
 #include <cstdint>
 #include <iostream>
 #include <memory>
+#include <string>
 
 #include "events/kiv_type.h"
 #include "reader/kiv_reader.h"
@@ -68,6 +71,13 @@ class event_loop {
     event.setelems();
     if (debug_level > 1) event.traceevent(std::cerr);
   }
+  // A marker's text, put together in a string that keeps its room; valid until the next one.
+  template <class... Pieces>
+  const std::string& marker_text(const Pieces&... pieces) {
+    marker_text_.clear();
+    absl::StrAppend(&marker_text_, pieces...);
+    return marker_text_;
+  }
   template <class Event>
   void write_sbrk_row(const Event& event);
   void count_record();
@@ -80,6 +90,7 @@ class event_loop {
 
   kiv_reader& reader_;
   record_cursor& cursor_;
+  std::string marker_text_;
   std::uint32_t event_number_ = 0;  // records read, decoded or not
 
   // The statement that the last query-in of type 'p' brought. The first query-out after it gives

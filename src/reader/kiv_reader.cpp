@@ -80,7 +80,7 @@ void kiv_reader::WriteMarker(std::string_view type, std::string_view subtype, st
                              std::string_view text) {
   const std::uint64_t records = reserve_ids_->global().rec.value;
   csv_row row(table(replay_table::marker).get_stream());
-  row.raw(run_columns_).col(counters.marker_cnt++).col(records).col(counters.last_record_count);
+  row.raw(run_columns_).cols(counters.marker_cnt++, records, counters.last_record_count);
   row.col(time).col(type.substr(0, 25)).col(subtype.substr(0, 10)).col(text.substr(0, 255));
   row.end_line();
   counters.last_record_count = records;

@@ -1,7 +1,5 @@
 // Records about memory: blocks, the heap, and the allocation ids that blocks belong to.
 
-#include <absl/strings/str_cat.h>
-
 #include <iostream>
 
 #include "events/heap_events.h"
@@ -85,7 +83,7 @@ void event_loop::on_reserve_id() {
   // A refused reservation is announced and classified all the same, so it lives until the end.
   const std::unique_ptr<KivReserveId> refused =
       reader_.reserve_ids().add_reserve_id(std::move(reserved));
-  const std::string text = absl::StrCat("Reserve Id ", id.id, " ", id.reserve_type);
+  const std::string& text = marker_text("Reserve Id ", id.id, " ", id.reserve_type);
   if (debug_level > 0) std::cerr << text + "\n";
   reader_.WriteMarker("Malid", "Reserve", reader_.now(), text);
   id.link_malloc_id();
@@ -117,7 +115,7 @@ void event_loop::free_or_reset(const KivFreeOrReset& event, bool reset) {
   const KivReserveId& id = *ids.get_reserve_id(event.id);
   const char* what = reset ? "Reset" : "Free";
   reader_.WriteMarker("MalId", what, reader_.now(),
-                      absl::StrCat(what, " Id ", id.id, " ", id.reserve_type));
+                      marker_text(what, " Id ", id.id, " ", id.reserve_type));
   ids.free_mem(event.id, event.tot_size_wf, event.tot_size_nf, event.location, reset);
   count_record();
 }
