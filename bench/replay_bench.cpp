@@ -173,6 +173,9 @@ void with_files(const workload& work) {
 
 void run(benchmark::State& state, const workload& work, void (*stage)(const workload&)) {
   const silence quiet;
+  // The first run may pay for memory that a virtual machine's host has yet to hand out.
+  counters = {};
+  stage(work);
   for ([[maybe_unused]] auto step : state) {
     counters = {};
     stage(work);
