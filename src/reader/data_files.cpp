@@ -16,7 +16,7 @@ namespace {
 // In small pages a large file costs more in page faults than in decoding. Only advice: a system
 // that does not take it gives small ones.
 void ask_for_large_pages(unsigned char* bytes, std::size_t size) {
-  constexpr std::uintptr_t page = 2 * 1024 * 1024;
+  constexpr std::uintptr_t page = std::uintptr_t{2} << 20;
   const auto address = reinterpret_cast<std::uintptr_t>(bytes);
   const std::uintptr_t begin = (address + page - 1) / page * page;
   const std::uintptr_t end = (address + size) / page * page;
