@@ -164,7 +164,7 @@ void KivProcess::free_process() {
   // Only what a call went through, or stood at the base of the stack, has anything to forget.
   for (const FuncArc& arc : arcs_) {
     arc.from->forget_calls();
-    arc.to->forget_calls();
+    if (arc.to != arc.from) arc.to->forget_calls();
   }
   const auto base = specials_.find(0);
   if (base != specials_.end()) base->second->relation.forget_calls();

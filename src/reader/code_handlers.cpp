@@ -96,7 +96,7 @@ void event_loop::on_process_end() {
   process.dump_symbols(reader_.table(replay_table::symbols).get_stream());
   process.dump_flowdata(reader_.table(replay_table::flowdata).get_stream());
   process.free_process();
-  reader_.processes_changed();
+  if (&process == reader_.cc_curr_proc()) reader_.processes_changed();
 }
 
 void event_loop::on_process_special_load() {

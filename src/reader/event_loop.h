@@ -1,13 +1,14 @@
 #pragma once
 
-#include <absl/strings/str_cat.h>
-
+#include <array>
 #include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "events/kiv_type.h"
+#include "output/decimal.h"
 #include "reader/kiv_reader.h"
 #include "settings.h"
 
@@ -75,8 +76,13 @@ class event_loop {
   template <class... Pieces>
   const std::string& marker_text(const Pieces&... pieces) {
     marker_text_.clear();
-    absl::StrAppend(&marker_text_, pieces...);
+    (append_to_marker(pieces), ...);
     return marker_text_;
+  }
+  void append_to_marker(std::string_view piece) { marker_text_ += piece; }
+  void append_to_marker(std::uint32_t number) {
+    std::array<char, number_room> digits;
+    marker_text_.append(digits.data(), put_decimal(digits.data(), number));
   }
   template <class Event>
   void write_sbrk_row(const Event& event);
