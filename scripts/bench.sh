@@ -63,17 +63,23 @@ for tag in F Z; do
 done
 
 printf '\nPeak memory (operating system) and whole runs\n'
-printf '  %-12s %9s %12s %12s %9s %12s\n' trace records 'data, KiB' 'peak, KiB' 'wall, s' 'tables, MB'
+printf '  %-12s %9s %12s %10s %10s %8s %11s\n' trace records 'live blocks' 'data, KiB' 'peak, KiB' \
+  'wall, s' 'tables, MB'
 whole_run() {
   data=$(($(cat "$1"/*.kivdat | wc -c) / 1024))
-  header=$(ls "$1"/*.kivhdr | head -1)
   measured=$("$tools/peak_memory" "$kiv" -R "$1")
+  peak=${measured% *}
   records=$(cat "$1"/kiv.*.memory.*.csv "$1"/kiv.*.flow.*.csv | wc -l)
-  printf '  %-12s %9d %12d %12d %9s %12d\n' "$1" "$records" "$data" "${measured% *}" \
+  made=$(cat "$1"/kiv.*.memory.*.csv | cut -d ';' -f 4 | grep -c '[an]' || true)
+  ended=$(cat "$1"/kiv.*.freemem.*.csv | cut -d ';' -f 5 | grep -c '[fFZ]' || true)
+  live=$((made - ended))
+  printf '  %-12s %9d %12d %10d %10d %8s %11d\n' "$1" "$records" "$live" "$data" "$peak" \
     "${measured#* }" "$(($(cat "$1"/*.csv | wc -c) / 1000000))"
-  : "$header"
 }
 whole_run memory_few
+few_live=$live few_above=$((peak - data))
 whole_run memory_many
+per_block=$((((peak - data) - few_above) * 1024 / (live - few_live)))
 whole_run flow_many
 for run in SQL1 MIX "$@"; do whole_run "$(basename "$run")"; done
+printf '  bytes above the data file per further live block, memory-heavy: %d\n' "$per_block"
