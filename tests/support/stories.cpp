@@ -57,14 +57,29 @@ void every_record(trace& t) {
       .malloc_nf(18, 0, 0x8700, 1, 16);
   t.reset_id(20, 16, 304, 0x503).malloc_wf(20, 0, 0x8600, 6, 16, 0x501);
   t.time(1'700'000'003).free_id(20, 16, 0, 0x503).free_id(3, 208 + 48, 32, 0x503);
+
+  // Numbers that few traces have, out of order, and functions announced after a link looked.
+  for (const std::uint32_t id : {900'000U, 5'000U, 77'777U, 4'097U, 123'456U})
+    t.reserve(id, "oic:far", 100).color(99, "late").color(70, "violet").object(id);
+  t.malloc_wf(123'456, 99, 0x8650, 7, 16).malloc_wf(123'456, 70, 0x8660, 8, 16);
+  t.reset_id(123'456, 32)
+      .malloc_wf(123'456, 99, 0x8670, 9, 16)
+      .malloc_wf(123'456, 70, 0x8680, 1, 16);
+  t.function(5'000, 1, "one").function(5'000, 2, "two").function(5'000, 7, "seven").link(8, 5'000);
+  t.flow_in(4, 1, 5'000, 1).function(5'000, 2, "two anew").function(5'000, 3, "unseen");
+  t.flow_in(5'000, 1, 5'000, 2).flow_in(5'000, 2, 5'000, 3);
+
   t.schedule(8, 7)
       .flow_out()
       .malloc_nf(14, 0, 0x8780, 2, 16)
       .proc_end(7)
       .malloc_nf(14, 0, 0x8790, 3, 16)
       .flow_in(3, 1, 4, 1)
-      .mallinfo(12800, 800, 12000);
-  t.malloc_wf(12, 2, 0x8800, 9, 16, 0x501).marker(std::string(300, 'm'));
+      .mallinfo(12800, 800, 12000)
+      .proc_end(8);
+  t.malloc_wf(12, 2, 0x8800, 9, 16, 0x501).special(0, 0, "outside").special(0, -3, "hook");
+  t.flow_in(0, 0, 0, -3).proc_end(0).flow_in(0, 0, 0, -3).proc_end(0);
+  t.marker(std::string(300, 'm'));
 }
 
 void damaged(trace& t) {
