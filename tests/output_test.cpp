@@ -141,18 +141,6 @@ TEST_F(Output, AFileThatCannotBeOpenedSwallowsItsRows) {
   EXPECT_EQ(errors.text(), "cannot write " + dir / "missing/kiv.R42.memory.1.csv" + "\n");  // once
 }
 
-TEST_F(Output, AFullDiskIsReportedOnceWhenTheFileIsClosed) {
-  const std::string path = dir / "kiv.R42.memory.1.csv";
-  fs::create_symlink("/dev/full", path);
-  const captured errors(std::cerr);
-  {
-    csv_file file = table("memory");
-    for (int i = 0; i < 3; ++i) file.get_stream() << std::string(100'000, 'x') << std::flush;
-    EXPECT_EQ(errors.text(), "");
-  }
-  EXPECT_EQ(errors.text(), "cannot write " + path + "\n");
-}
-
 TEST_F(Output, BufferKeepsEveryByteAndKnowsItsPosition) {
   std::minstd_rand random(3);
   csv_filebuf buffer;

@@ -78,7 +78,8 @@ void every_record(trace& t) {
       .mallinfo(12800, 800, 12000)
       .proc_end(8);
   t.malloc_wf(12, 2, 0x8800, 9, 16, 0x501).special(0, 0, "outside").special(0, -3, "hook");
-  t.flow_in(0, 0, 0, -3).proc_end(0).flow_in(0, 0, 0, -3).proc_end(0);
+  t.special(0, -4, "end of hook");
+  for (int i = 0; i < 2; ++i) t.flow_in(0, 0, 0, -4).flow_in(0, -3, 0, -4).proc_end(0);
   t.marker(std::string(300, 'm'));
 }
 
