@@ -382,20 +382,13 @@ consteval bool names_are_unique() {
 static_assert(names_are_unique());
 static_assert(std::size(tables) == 18 && memory.size() == 94);
 
-template <typename Entry>
-const Entry* find_by_name(std::span<const Entry> list, std::string_view name) {
-  const auto found = std::ranges::find(list, name, &Entry::name);
-  return found == list.end() ? nullptr : &*found;
-}
-
 }  // namespace
 
 std::span<const csv_table> csv_tables() { return tables; }
 
-const csv_table* find_csv_table(std::string_view name) { return find_by_name(csv_tables(), name); }
-
-const csv_column* find_csv_column(const csv_table& table, std::string_view name) {
-  return find_by_name(table.columns, name);
+const csv_table* find_csv_table(std::string_view name) {
+  const auto* const found = std::ranges::find(tables, name, &csv_table::name);
+  return found == std::end(tables) ? nullptr : found;
 }
 
 std::string_view to_text(column_type type) {

@@ -49,9 +49,6 @@ std::span<const csv_table> csv_tables();
 // Null when there is no such table.
 const csv_table* find_csv_table(std::string_view name);
 
-// Null when the table has no such column.
-const csv_column* find_csv_column(const csv_table& table, std::string_view name);
-
 std::string_view to_text(column_type type);
 std::string_view to_text(column_unit unit);
 
