@@ -11,8 +11,9 @@
 
 namespace kiv {
 
-void function_table::announce(std::int32_t number, const std::string& name) {
-  Func_loc location{object_id_, number, name, ++announcements_};
+void function_table::announce(std::uint32_t object_id, std::int32_t number,
+                              const std::string& name) {
+  Func_loc location{object_id, number, name, ++announcements_};
   const auto entry = functions_.find(number);
   if (entry == functions_.end()) {
     functions_.try_emplace(number, announced_locations{std::move(location), {}});
@@ -33,33 +34,31 @@ const Func_loc* function_table::find(std::int32_t number, std::uint32_t after_an
 }
 
 void function_table::dump(std::ostream& os, std::string_view run_columns,
-                          std::string_view object_name) const {
+                          std::string_view object_name, std::uint32_t object_id) const {
   for (const auto& [number, locations] : functions_) {
     csv_row row(os);
-    row.raw(run_columns).col(object_name).col(object_id_).col(number);
+    row.raw(run_columns).col(object_name).cols(object_id, number);
     row.col(locations.newest().name).end_line();
   }
 }
 
 void KivObjectLoad::setelems() {
   readelem(id_of_obj);
-  functions = function_table(id_of_obj);
-  globals = function_table(id_of_obj);
   // The allocation id's text opens with its four-letter kind, as in "oic:name".
   name = text_from(reader()->reserve_ids().get_reserve_id(id_of_obj)->reserve_type, 4);
   if (name == ":0:init") name = "init";
 }
 
 void KivObjectLoad::object_function_load(std::int32_t number, const std::string& function_name) {
-  functions.announce(number, function_name);
+  functions.announce(id_of_obj, number, function_name);
 }
 
 void KivObjectLoad::object_global_load(std::int32_t number, const std::string& function_name) {
-  globals.announce(number, function_name);
+  globals.announce(id_of_obj, number, function_name);
 }
 
 void KivObjectLoad::dump_funcs(std::ostream& os, std::string_view run_columns) const {
-  functions.dump(os, run_columns, name);
+  functions.dump(os, run_columns, name, id_of_obj);
 }
 
 }  // namespace kiv

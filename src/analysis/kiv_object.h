@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -17,9 +18,9 @@ namespace kiv {
 // the earlier ones stay for those who looked before.
 class function_table {
  public:
-  explicit function_table(std::uint32_t object_id) : object_id_(object_id) {}
+  explicit function_table(std::pmr::memory_resource* memory) : functions_(memory) {}
 
-  void announce(std::int32_t number, const std::string& name);
+  void announce(std::uint32_t object_id, std::int32_t number, const std::string& name);
 
   // How many numbers have a function, and how many announcements there were.
   std::size_t size() const { return functions_.size(); }
@@ -28,8 +29,9 @@ class function_table {
   // The location that the number had after so many announcements; null when it had none.
   const Func_loc* find(std::int32_t number, std::uint32_t after_announcements) const;
 
-  // One row of `functions` per number in ascending order.
-  void dump(std::ostream& os, std::string_view run_columns, std::string_view object_name) const;
+  // One row of `functions` per number in ascending order, for the object of that name and id.
+  void dump(std::ostream& os, std::string_view run_columns, std::string_view object_name,
+            std::uint32_t object_id) const;
 
  private:
   // The locations that one number had, which mostly is one. They stay in their places.
@@ -39,18 +41,21 @@ class function_table {
     std::vector<std::unique_ptr<Func_loc>> later;  // the newest last
   };
 
-  std::uint32_t object_id_;
   std::uint32_t announcements_ = 0;
-  std::map<std::int32_t, announced_locations> functions_;
+  std::pmr::map<std::int32_t, announced_locations> functions_;
 };
 
 // A loaded object: the record that announces it, and its functions and Hosk functions.
 class KivObjectLoad final : public KivContext {
  public:
-  explicit KivObjectLoad(kiv_reader* reader) : KivContext(kiv_e_object_load, reader) {}
+  // The functions' places come from `memory`, which gets them back when it goes itself.
+  KivObjectLoad(kiv_reader* reader, std::pmr::memory_resource* memory)
+      : KivContext(kiv_e_object_load, reader), functions(memory), globals(memory) {}
   // An object that no record announced.
-  KivObjectLoad(kiv_reader* reader, const char* object_name)
-      : KivContext(kiv_e_object_load, reader), name(object_name) {}
+  KivObjectLoad(kiv_reader* reader, std::pmr::memory_resource* memory, const char* object_name)
+      : KivObjectLoad(reader, memory) {
+    name = object_name;
+  }
 
   // Reads the id and takes the object's name from the allocation id of the same number.
   void setelems() override;
@@ -67,8 +72,8 @@ class KivObjectLoad final : public KivContext {
 
   std::uint32_t id_of_obj = 0;
   std::string name;
-  function_table functions{0};
-  function_table globals{0};
+  function_table functions;
+  function_table globals;
 };
 
 }  // namespace kiv

@@ -5,7 +5,6 @@
 
 #include "memory/kiv_reserve_id.h"
 #include "memory/reserve_type.h"
-#include "output/ascending.h"
 #include "output/csv_row.h"
 
 namespace kiv {
@@ -13,14 +12,14 @@ namespace kiv {
 KivProcess_db::KivProcess_db(std::unique_ptr<KivProcess> default_process)
     : default_process_(std::move(default_process)) {}
 
-void KivProcess_db::add_process(std::unique_ptr<KivProcess> process) {
-  started_[process->pid()] = std::move(process);
+void KivProcess_db::add_process(process_ptr process) {
+  const std::uint32_t pid = process->pid();
+  started_.assign(pid, std::move(process));
 }
 
 KivProcess* KivProcess_db::find_process(std::uint32_t pid) const {
-  const auto entry = started_.find(pid);
-  if (entry != started_.end()) return entry->second.get();
-  return pid == 0 ? default_process_.get() : nullptr;
+  KivProcess* process = started_.find(pid);
+  return process == nullptr && pid == 0 ? default_process_.get() : process;
 }
 
 KivProcess* KivProcess_db::get_process(std::uint32_t pid) const {
@@ -50,8 +49,8 @@ void KivProcess_db::check_end_time(const moment_text& time, std::uint64_t record
   const auto close = [&](KivProcess& process) {
     if (process.alive()) process.set_end(time, record);
   };
-  if (!started_.contains(0)) close(*default_process_);
-  for (const auto& [pid, process] : started_) close(*process);
+  if (started_.find(0) == nullptr) close(*default_process_);
+  started_.for_each(close);
 }
 
 void KivProcess_db::dump_db(std::ostream& os, std::string_view runid) const {
@@ -61,8 +60,8 @@ void KivProcess_db::dump_db(std::ostream& os, std::string_view runid) const {
     process.columns(row);
     row.end_line();
   };
-  if (!started_.contains(0)) write(*default_process_);
-  for (const auto* entry : in_ascending_order(started_)) write(*entry->second);
+  if (started_.find(0) == nullptr) write(*default_process_);
+  started_.for_each_ascending(write);
 }
 
 }  // namespace kiv

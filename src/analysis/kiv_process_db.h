@@ -1,7 +1,5 @@
 #pragma once
 
-#include <absl/container/flat_hash_map.h>
-
 #include <cstdint>
 #include <memory>
 #include <ostream>
@@ -9,6 +7,8 @@
 #include <string_view>
 
 #include "analysis/kiv_process.h"
+#include "memory/number_table.h"
+#include "memory/object_pool.h"
 
 namespace kiv {
 
@@ -21,8 +21,13 @@ class KivProcess_db {
   // Owns the default process too.
   explicit KivProcess_db(std::unique_ptr<KivProcess> default_process);
 
+  using process_ptr = object_pool<KivProcess>::pointer;
+  // The process that the event starts, in no book yet.
+  process_ptr make_process(kiv_reader* reader, const KivProcessStart& event) {
+    return pool_.make(reader, event);
+  }
   // An earlier process of the same pid is dropped, and with it its arcs, symbols and row.
-  void add_process(std::unique_ptr<KivProcess> process);
+  void add_process(process_ptr process);
 
   // The living process of that pid. An unknown pid has the default process, an ended one the
   // process under pid 0. Never null.
@@ -43,7 +48,8 @@ class KivProcess_db {
   KivProcess* find_named_process(const KivReserveId& id) const;
 
   const std::unique_ptr<KivProcess> default_process_;
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivProcess>> started_;
+  object_pool<KivProcess> pool_;
+  number_table<process_ptr> started_;
 };
 
 }  // namespace kiv

@@ -31,8 +31,7 @@ KivReserveId_db::KivReserveId_db(kiv_reader* reader)
   set_heap_columns();
 }
 
-std::unique_ptr<KivReserveId> KivReserveId_db::add_reserve_id(
-    std::unique_ptr<KivReserveId> reserved) {
+KivReserveId_db::reserve_id_ptr KivReserveId_db::add_reserve_id(reserve_id_ptr reserved) {
   if (ids_.find(reserved->id) != nullptr) {
     std::cout << "Error mal_id " << reserved->id << " already found! \n";
     return reserved;

@@ -8,6 +8,7 @@
 
 #include "memory/kiv_reserve_id.h"
 #include "memory/number_table.h"
+#include "memory/object_pool.h"
 
 namespace kiv {
 
@@ -32,9 +33,12 @@ class KivReserveId_db {
     return reserved == nullptr ? default_id_.get() : reserved;
   }
 
+  using reserve_id_ptr = object_pool<KivReserveId>::pointer;
+  // Decodes the record at the reader's position; the id is in no book yet.
+  reserve_id_ptr read_reserve_id() { return pool_.make(reader_); }
   // Makes the id current. A number that is reserved already keeps its id, with a message on the
   // standard output; the refused id comes back.
-  std::unique_ptr<KivReserveId> add_reserve_id(std::unique_ptr<KivReserveId> reserved);
+  reserve_id_ptr add_reserve_id(reserve_id_ptr reserved);
   // Names a colour of the id reserved last; ignored when there is none.
   void add_color_to_reserve_id(const KivReserveIdColors& event);
 
@@ -81,7 +85,8 @@ class KivReserveId_db {
                      std::uint64_t actual) const;
 
   kiv_reader* reader_;
-  number_table<std::unique_ptr<KivReserveId>, 4096> ids_;
+  object_pool<KivReserveId> pool_;
+  number_table<reserve_id_ptr> ids_;
   std::unique_ptr<KivReserveId> default_id_;
   KivReserveId* current_ = nullptr;  // the id reserved last
   KivStat<std::uint64_t> global_;

@@ -13,11 +13,11 @@
 
 namespace kiv {
 
-// What is kept per number of something that counts from 0 and mostly has few numbers: allocation
-// ids, and the colours of one. Numbers below `low_limit` are an array access away; a trace may name
-// any other number, so those cost memory only where they occur. A slot is an std::optional, or an
-// std::unique_ptr where values must stay in their places.
-template <class Slot, std::uint32_t low_limit>
+// What is kept per number of something that counts from 0 and mostly has few numbers: processes,
+// objects, allocation ids, and the colours of one. Numbers below `low_limit` are an array access
+// away; a trace may name any other number, so those cost memory only where they occur. A slot is an
+// std::optional, or an std::unique_ptr where values must stay in their places.
+template <class Slot, std::uint32_t low_limit = 65536>
 class number_table {
  public:
   // Says that numbers below `count` are likely to come; a large count is not believed.

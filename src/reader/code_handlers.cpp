@@ -37,9 +37,8 @@ void event_loop::on_hashloc() {
 }
 
 void event_loop::on_object_load() {
-  auto object = std::make_unique<KivObjectLoad>(&reader_);
+  auto object = reader_.objects().make_object();
   decode(*object);
-  object->object_function_load(0, "top level");
   std::string line;
   if (debug_level > 0) {
     line = fmt::format("---------------------------------\n Load object: {} {}\n",
@@ -75,7 +74,7 @@ void event_loop::on_object_link() {
 void event_loop::on_process_start() {
   KivProcessStart event(&reader_);
   decode(event);
-  auto process = std::make_unique<KivProcess>(&reader_, event);
+  auto process = reader_.processes().make_process(&reader_, event);
   process->write_flow_row(2, 0, '>');
   process->set_start(reader_.now(), counters.record_count);
   reader_.processes().add_process(std::move(process));

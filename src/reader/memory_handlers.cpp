@@ -74,15 +74,14 @@ void event_loop::on_mallinfo() {
 }
 
 void event_loop::on_reserve_id() {
-  auto reserved = std::make_unique<KivReserveId>(&reader_);
+  auto reserved = reader_.reserve_ids().read_reserve_id();
   KivReserveId& id = *reserved;
   if (debug_level > 1) id.traceevent(std::cerr);
   id.start_time = reader_.now();
   id.start_record = counters.record_count;
   id.active = true;
   // A refused reservation is announced and classified all the same, so it lives until the end.
-  const std::unique_ptr<KivReserveId> refused =
-      reader_.reserve_ids().add_reserve_id(std::move(reserved));
+  const auto refused = reader_.reserve_ids().add_reserve_id(std::move(reserved));
   const std::string& text = marker_text("Reserve Id ", id.id, " ", id.reserve_type);
   if (debug_level > 0) std::cerr << text + "\n";
   reader_.WriteMarker("Malid", "Reserve", reader_.now(), text);
