@@ -39,9 +39,4 @@ void Func_rel::forget_calls() {
   for (auto& list : symbols_) list.clear();
 }
 
-const std::string& Func_rel::name() const {
-  static const std::string none;
-  return location == nullptr ? none : location->name;
-}
-
 }  // namespace kiv

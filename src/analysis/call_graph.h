@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kiv {
@@ -17,7 +18,7 @@ class KivSymbol;
 struct Func_loc {
   std::uint32_t object_id = 0;  // of a special location: the process's pid
   std::int32_t function_number = 0;
-  std::string name;
+  std::string_view name;  // kept by the object's book, or by the process
   std::uint32_t announced = 0;  // the object's announcements up to and with this one
 
   // The name of the object that holds the function; "(process internal)" for specials.
@@ -40,7 +41,9 @@ class Func_rel {
   // Forgets arcs and symbols, which end with the process.
   void forget_calls();
 
-  const std::string& name() const;  // empty without location
+  std::string_view name() const {  // empty without location
+    return location == nullptr ? std::string_view() : location->name;
+  }
   bool is_at(std::uint32_t object_id, std::int32_t number) const {
     return location != nullptr && location->object_id == object_id &&
            location->function_number == number;

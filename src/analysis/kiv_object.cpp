@@ -1,8 +1,8 @@
 #include "analysis/kiv_object.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
-#include <utility>
 
 #include "events/event_fields.h"
 #include "memory/kiv_reserve_id_db.h"
@@ -12,14 +12,20 @@
 namespace kiv {
 
 void function_table::announce(std::uint32_t object_id, std::int32_t number,
-                              const std::string& name) {
-  Func_loc location{object_id, number, name, ++announcements_};
+                              std::string_view name) {
+  const Func_loc location{object_id, number, keep(name), ++announcements_};
   const auto entry = functions_.find(number);
   if (entry == functions_.end()) {
-    functions_.try_emplace(number, announced_locations{std::move(location), {}});
+    functions_.try_emplace(number, announced_locations{location, {}});
   } else {
-    entry->second.later.push_back(std::make_unique<Func_loc>(std::move(location)));
+    entry->second.later.push_back(std::make_unique<Func_loc>(location));
   }
+}
+
+std::string_view function_table::keep(std::string_view name) {
+  if (name.empty()) return {};
+  void* place = functions_.get_allocator().resource()->allocate(name.size(), alignof(char));
+  return {static_cast<const char*>(std::memcpy(place, name.data(), name.size())), name.size()};
 }
 
 const Func_loc* function_table::find(std::int32_t number, std::uint32_t after_announcements) const {
@@ -49,11 +55,11 @@ void KivObjectLoad::setelems() {
   if (name == ":0:init") name = "init";
 }
 
-void KivObjectLoad::object_function_load(std::int32_t number, const std::string& function_name) {
+void KivObjectLoad::object_function_load(std::int32_t number, std::string_view function_name) {
   functions.announce(id_of_obj, number, function_name);
 }
 
-void KivObjectLoad::object_global_load(std::int32_t number, const std::string& function_name) {
+void KivObjectLoad::object_global_load(std::int32_t number, std::string_view function_name) {
   globals.announce(id_of_obj, number, function_name);
 }
 

@@ -20,7 +20,7 @@ class function_table {
  public:
   explicit function_table(std::pmr::memory_resource* memory) : functions_(memory) {}
 
-  void announce(std::uint32_t object_id, std::int32_t number, const std::string& name);
+  void announce(std::uint32_t object_id, std::int32_t number, std::string_view name);
 
   // How many numbers have a function, and how many announcements there were.
   std::size_t size() const { return functions_.size(); }
@@ -41,6 +41,9 @@ class function_table {
     std::vector<std::unique_ptr<Func_loc>> later;  // the newest last
   };
 
+  // A copy that lives as long as the places do.
+  std::string_view keep(std::string_view name);
+
   std::uint32_t announcements_ = 0;
   std::pmr::map<std::int32_t, announced_locations> functions_;
 };
@@ -48,7 +51,7 @@ class function_table {
 // A loaded object: the record that announces it, and its functions and Hosk functions.
 class KivObjectLoad final : public KivContext {
  public:
-  // The functions' places come from `memory`, which gets them back when it goes itself.
+  // The places and names of functions come from `memory`, which alone gives them back.
   KivObjectLoad(kiv_reader* reader, std::pmr::memory_resource* memory)
       : KivContext(kiv_e_object_load, reader), functions(memory), globals(memory) {}
   // An object that no record announced.
@@ -61,8 +64,8 @@ class KivObjectLoad final : public KivContext {
   void setelems() override;
   void traceevent(std::ostream& os) const override;
 
-  void object_function_load(std::int32_t number, const std::string& function_name);
-  void object_global_load(std::int32_t number, const std::string& function_name);
+  void object_function_load(std::int32_t number, std::string_view function_name);
+  void object_global_load(std::int32_t number, std::string_view function_name);
 
   // The columns of the object's `objects` row behind run id and pid.
   void columns(csv_row& row) const { row.col(id_of_obj).col(name); }

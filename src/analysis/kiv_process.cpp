@@ -69,9 +69,9 @@ void KivProcess::release_nf(std::uint32_t malid, std::uint64_t size, std::uint64
 }
 
 void KivProcess::add_special(std::int32_t number, const std::string& name) {
-  std::unique_ptr<own_function>& special = specials_[static_cast<std::uint32_t>(number)];
+  std::unique_ptr<special_function>& special = specials_[static_cast<std::uint32_t>(number)];
   if (special != nullptr) former_specials_.push_back(std::move(special));
-  special = std::make_unique<own_function>(pid_, number, name);
+  special = std::make_unique<special_function>(pid_, number, name);
 }
 
 void KivProcess::link_oip(std::uint32_t object_id) {
@@ -86,7 +86,7 @@ KivOip* KivProcess::find_oip(std::uint32_t object_id) const {
 
 void KivProcess::start_stack() {
   const auto base = specials_.find(0);
-  s_push(base == specials_.end() ? nullptr : &base->second->relation, 0);
+  s_push(base == specials_.end() ? nullptr : &base->second->function.relation, 0);
   stack_started_ = true;
 }
 
@@ -94,7 +94,7 @@ Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number
   if (!stack_started_) start_stack();
   if (number <= 0) {
     const auto special = specials_.find(static_cast<std::uint32_t>(number));
-    return special == specials_.end() ? nullptr : &special->second->relation;
+    return special == specials_.end() ? nullptr : &special->second->function.relation;
   }
   KivOip* oip = find_oip(object_id);
   return oip == nullptr ? nullptr : oip->find_function(number, global);
@@ -167,7 +167,7 @@ void KivProcess::free_process() {
     if (arc.to != arc.from) arc.to->forget_calls();
   }
   const auto base = specials_.find(0);
-  if (base != specials_.end()) base->second->relation.forget_calls();
+  if (base != specials_.end()) base->second->function.relation.forget_calls();
   stack_.clear();
   arcs_ = {};
   oips_.clear();

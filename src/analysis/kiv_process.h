@@ -2,6 +2,7 @@
 
 #include <absl/container/btree_map.h>
 #include <absl/container/flat_hash_map.h>
+#include <absl/container/inlined_vector.h>
 
 #include <cstdint>
 #include <memory>
@@ -105,10 +106,16 @@ class KivProcess {
  private:
   // A function that belongs to the process itself.
   struct own_function {
-    own_function(std::uint32_t pid, std::int32_t number, std::string name)
-        : location{pid, number, std::move(name)}, relation(&location) {}
+    own_function(std::uint32_t pid, std::int32_t number, std::string_view name)
+        : location{pid, number, name}, relation(&location) {}
     const Func_loc location;
     Func_rel relation;
+  };
+  struct special_function {
+    special_function(std::uint32_t pid, std::int32_t number, const std::string& special_name)
+        : name(special_name), function(pid, number, name) {}
+    const std::string name;
+    own_function function;
   };
 
   void start_stack();
@@ -134,11 +141,11 @@ class KivProcess {
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivOip>> oips_;  // by object id
   // By number, negative ones as unsigned. An overwritten special may still stand in the call
   // graph, so it stays until the process ends.
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<own_function>> specials_;
-  std::vector<std::unique_ptr<own_function>> former_specials_;
+  absl::flat_hash_map<std::uint32_t, std::unique_ptr<special_function>> specials_;
+  std::vector<std::unique_ptr<special_function>> former_specials_;
   std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
   std::vector<Func_context> stack_;
-  std::vector<FuncArc> arcs_;  // by arc number
+  absl::InlinedVector<FuncArc, 1> arcs_;  // by arc number; most processes start with one
   hosk_call hosk_call_;
   std::uint32_t flow_counter_ = 0;
   absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym

@@ -87,7 +87,7 @@ constexpr std::array kinds = {
 reserve_class classify_reserve_type(std::string_view text) {
   reserve_class result;
   for (const kind& known : kinds) {
-    if (!text.starts_with(known.prefix)) continue;
+    if (!text.starts_with(known.prefix.front()) || !text.starts_with(known.prefix)) continue;
     result.category = known.category;
     known.classify(text, result);
     break;

@@ -3,11 +3,11 @@
 #include <cassert>
 #include <concepts>
 #include <cstddef>
-#include <cstring>
 #include <ostream>
 #include <string_view>
 
 #include "output/decimal.h"
+#include "output/put_text.h"
 #include "settings.h"
 
 namespace kiv {
@@ -49,8 +49,7 @@ class basic_csv_row {
   basic_csv_row& col(char letter) { return raw(letter).raw(separator_); }
   basic_csv_row& col(std::string_view text) {
     if (text.size() >= room()) return raw(text).raw(separator_);
-    text.copy(next_, text.size());  // an empty text may have no bytes to point at
-    next_ += text.size();
+    next_ = put_text(next_, text);
     *next_++ = separator_;
     return *this;
   }
@@ -67,7 +66,6 @@ class basic_csv_row {
 
   // Text without a separator behind it.
   basic_csv_row& raw(std::string_view text) {
-    if (text.empty()) return *this;
     if (text.size() > room()) {
       flush();
       if (text.size() > room()) {
@@ -75,8 +73,7 @@ class basic_csv_row {
         return *this;
       }
     }
-    std::memcpy(next_, text.data(), text.size());
-    next_ += text.size();
+    next_ = put_text(next_, text);
     return *this;
   }
   basic_csv_row& raw(char letter) {

@@ -15,9 +15,8 @@ namespace kiv {
 
 namespace {
 
-const std::string& name_of(const Func_rel* function) {
-  static const std::string none;
-  return function == nullptr ? none : function->name();
+std::string_view name_of(const Func_rel* function) {
+  return function == nullptr ? std::string_view() : function->name();
 }
 
 const Func_rel* top_function(const KivProcess& process) {
@@ -155,7 +154,7 @@ void event_loop::on_hosk_flow_in() {
   KivOip* object = process.find_oip(event.id_of_obj);
   const Func_rel* function = object == nullptr ? nullptr : object->find_function(event.funnr, true);
   if (function == nullptr) return;
-  process.set_hosk_call({function->name(), event.sym, event.args});
+  process.set_hosk_call({std::string(function->name()), event.sym, event.args});
   if (debug_level > 1) {
     std::cerr << fmt::format("b>{} {}\n", process.stack_depth(), function->name());
   }
