@@ -16,7 +16,7 @@ void KivHashLoc::setelems() {
 
 KivHashLoc_db::KivHashLoc_db() : unknown_text_("unknown MalSrc location") {}
 
-void KivHashLoc_db::add_hashloc(std::unique_ptr<KivHashLoc> record) {
+void KivHashLoc_db::add_hashloc(hashloc_ptr record) {
   const auto place = static_cast<std::uint32_t>(records_.size() + 1);
   if (!index_.try_emplace(record->location, place).second) {
     std::cout << "Error hashloc " << record->location << " already found! \n";

@@ -3,12 +3,12 @@
 #include <absl/container/flat_hash_map.h>
 
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "events/kiv_event.h"
+#include "memory/object_pool.h"
 
 namespace kiv {
 
@@ -32,8 +32,11 @@ class KivHashLoc_db {
  public:
   KivHashLoc_db();
 
+  using hashloc_ptr = object_pool<KivHashLoc>::pointer;
+  // A location to be decoded, in no book yet.
+  hashloc_ptr make_hashloc(kiv_reader* reader) { return pool_.make(reader); }
   // Refuses a number that is known already, with a message on the standard output.
-  void add_hashloc(std::unique_ptr<KivHashLoc> record);
+  void add_hashloc(hashloc_ptr record);
 
   // The text of a location, "unknown MalSrc location" for an unknown number.
   const std::string& get_hashloc(std::int64_t location) const { return text(text_index(location)); }
@@ -54,7 +57,8 @@ class KivHashLoc_db {
   static constexpr std::uint32_t unknown = 0;
 
   const std::string unknown_text_;
-  std::vector<std::unique_ptr<KivHashLoc>> records_;        // in order of arrival
+  object_pool<KivHashLoc> pool_;
+  std::vector<hashloc_ptr> records_;                        // in order of arrival
   absl::flat_hash_map<std::int64_t, std::uint32_t> index_;  // location -> place in records_ + 1
 };
 

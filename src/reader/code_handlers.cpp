@@ -30,7 +30,7 @@ void list_function(std::uint32_t id, std::int32_t number, const std::string& nam
 }  // namespace
 
 void event_loop::on_hashloc() {
-  auto event = std::make_unique<KivHashLoc>(&reader_);
+  auto event = reader_.hash_locations().make_hashloc(&reader_);
   decode(*event);
   reader_.hash_locations().add_hashloc(std::move(event));
 }
