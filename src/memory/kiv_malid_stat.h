@@ -10,6 +10,22 @@ namespace kiv {
 inline constexpr int id_stat_divisor = 100;
 inline constexpr int color_stat_divisor = 10;
 
+// The bundle of a colour, or none, in no more space than a bundle: the bundles of all colours in all
+// processes are most of what a trace needs. The unit of a bundle that exists is never 0.
+template <class T>
+class optional_bundle {
+ public:
+  optional_bundle() : bundle_(T{color_stat_divisor}) { bundle_.rec.divisor = 0; }
+  explicit optional_bundle(const KivStat<T>& bundle) : bundle_(bundle) {}
+
+  explicit operator bool() const { return bundle_.rec.divisor != 0; }
+  KivStat<T>& operator*() { return bundle_; }
+  const KivStat<T>& operator*() const { return bundle_; }
+
+ private:
+  KivStat<T> bundle_;
+};
+
 // The book of one allocation id, split by colour. T1 counts the whole id, T2 one colour.
 template <class T1, class T2>
 class KivMalidStat {
@@ -31,7 +47,7 @@ class KivMalidStat {
 
   // Gives the colour a fresh, empty bundle in place of any it had.
   KivStat<T2>& renew_color(std::uint32_t color) {
-    return colors.assign(color, KivStat<T2>(T2{color_stat_divisor}));
+    return colors.assign(color, optional_bundle<T2>(KivStat<T2>(T2{color_stat_divisor})));
   }
 
   void clearstats() {
@@ -47,7 +63,7 @@ class KivMalidStat {
 
   std::uint32_t nr_colors;  // of the id when this book was made
   KivStat<T1> stat;
-  color_table<KivStat<T2>> colors;
+  color_table<optional_bundle<T2>> colors;
 
  private:
   template <class T>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -68,7 +69,7 @@ class KivReserveId final : public KivContext {
   void handle_clear_mem(bool verbose, kiv_type type);
   void report_colors(bool no_free_memory) const;
 
-  color_table<std::string> color_names_;
+  color_table<std::optional<std::string>> color_names_;
 };
 
 }  // namespace kiv

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -15,8 +14,8 @@ namespace kiv {
 
 // What is kept per number of something that counts from 0 and mostly has few numbers: processes,
 // objects, allocation ids, and the colours of one. Numbers below `low_limit` are an array access
-// away; a trace may name any other number, so those cost memory only where they occur. A slot is an
-// std::optional, or an std::unique_ptr where values must stay in their places.
+// away; a trace may name any other number, so those cost memory only where they occur. A slot holds
+// a value or none: an std::optional, or an std::unique_ptr where values must stay in their places.
 template <class Slot, std::uint32_t low_limit = 65536>
 class number_table {
  public:
@@ -78,7 +77,7 @@ class number_table {
   std::unique_ptr<high_map> high_;
 };
 
-template <class T>
-using color_table = number_table<std::optional<T>, 64>;
+template <class Slot>
+using color_table = number_table<Slot, 64>;
 
 }  // namespace kiv
