@@ -45,11 +45,14 @@ void KivProcess::set_end(const moment_text& time, std::uint64_t record) {
 }
 
 KivProcess::malid_book* KivProcess::get_mc_stat(std::uint32_t malid) {
-  const auto entry = malid_stats_.find(malid);
-  if (entry != malid_stats_.end()) return entry->second.get();
-  const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
-  auto book = std::make_unique<malid_book>(id.color_count());
-  return malid_stats_.emplace(malid, std::move(book)).first->second.get();
+  if (malid == latest_malid_ && latest_book_ != nullptr) return latest_book_;
+  std::unique_ptr<malid_book>& book = malid_stats_[malid];
+  if (book == nullptr) {
+    const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
+    book = std::make_unique<malid_book>(id.color_count());
+  }
+  latest_malid_ = malid;
+  return latest_book_ = book.get();
 }
 
 void KivProcess::release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {

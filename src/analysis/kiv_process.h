@@ -135,6 +135,9 @@ class KivProcess {
 
   KivStat<std::int64_t> statistics_;
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<malid_book>> malid_stats_;
+  // The book asked for last: records of one id often come in a row.
+  std::uint32_t latest_malid_ = 0;
+  malid_book* latest_book_ = nullptr;
 
   bool stack_started_ = false;
   bool alive_ = true;

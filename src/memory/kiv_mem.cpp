@@ -1,12 +1,12 @@
 #include "memory/kiv_mem.h"
 
 #include <absl/container/flat_hash_map.h>
+#include <absl/container/inlined_vector.h>
 #include <absl/hash/hash.h>
 
 #include <algorithm>
 #include <iostream>
 #include <utility>
-#include <vector>
 
 #include "analysis/kiv_hashloc.h"
 #include "memory/kiv_reserve_id_db.h"
@@ -92,7 +92,8 @@ std::optional<live_block> KivMem<T>::del_memory(
 
 template <class T>
 void KivMem<T>::clear_all_mem(std::uint32_t color_count, bool verbose, kiv_type type) {
-  std::vector<std::pair<std::int64_t, live_block_pool::handle>> ordered;
+  if (blocks_.capacity() == 0 && !verbose) return;
+  absl::InlinedVector<std::pair<std::int64_t, live_block_pool::handle>, 32> ordered;
   ordered.reserve(blocks_.size());
   for (const live_block_pool::handle block : blocks_) {
     ordered.emplace_back((*pool_)[block].addr, block);
