@@ -23,11 +23,13 @@ printf 'Compiler: %s\n\n' "$(g++ --version | head -1)"
 
 "$tools/replay_bench" --benchmark_counters_tabular=true 2>/dev/null
 
-# Instructions of one analysis of a trace, in all.
+# Instructions of one analysis of a trace: in all, or in one function and what it calls.
 instructions() {
-  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$kiv" -H "$1" 2>&1 >/dev/null |
-    sed -n 's/.*Collected *: *//p'
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null ${2:+--toggle-collect="$2"} \
+    "$kiv" -H "$1" 2>&1 >/dev/null | sed -n 's/.*Collected *: *//p'
 }
+replay='kiv::kiv_reader::ReadEvents()'
+memory_row='kiv::KivMemory::write_row() const'
 
 # per_record NAME MORE_INSTRUCTIONS FEWER RECORDS
 per_record() { printf '  %-34s %8d\n' "$1" "$((($2 - $3) / $4))"; }
@@ -49,6 +51,10 @@ for tag in a n f r S G M T C R c F Z I O i o Q q s P X B L p l b H d y D Y; do
   "$tools/make_trace" base-$tag 20000 base >/dev/null
   "$tools/make_trace" type-$tag 20000 type >/dev/null
   per_record "type $tag" "$(instructions type/kiv.1.kivhdr)" "$(instructions base/kiv.1.kivhdr)" 20000
+  case $tag in R | P | X | L | H | c | l)
+    per_record '  before the tables at the end' "$(instructions type/kiv.1.kivhdr "$replay")" \
+      "$(instructions base/kiv.1.kivhdr "$replay")" 20000 ;;
+  esac
 done
 for tag in F Z; do
   "$tools/make_trace" type-$tag 1000 type 0 >/dev/null
@@ -60,6 +66,13 @@ for tag in F Z; do
   "$tools/make_trace" type-$tag 1000 type 100 >/dev/null
   full=$(instructions type/kiv.1.kivhdr)
   per_record "block given back by type $tag" "$((full - base))" "$((none - empty))" 100000
+
+  "$tools/make_trace" base-$tag 1000 base 1 >/dev/null
+  "$tools/make_trace" type-$tag 1000 type 1 >/dev/null
+  base=$(instructions base/kiv.1.kivhdr)
+  per_record "type $tag, id in use, with one block" "$(instructions type/kiv.1.kivhdr)" "$base" 1000
+  per_record '  of these for the row of memory' "$(instructions type/kiv.1.kivhdr "$memory_row")" \
+    "$(instructions base/kiv.1.kivhdr "$memory_row")" 1000
 done
 
 printf '\nPeak memory (operating system) and whole runs\n'

@@ -18,7 +18,7 @@ class KivSymbol;
 struct Func_loc {
   std::uint32_t object_id = 0;  // of a special location: the process's pid
   std::int32_t function_number = 0;
-  std::string_view name;  // kept by the object's book, or by the process
+  std::string_view name;        // kept by the object's book, or by the process
   std::uint32_t announced = 0;  // the object's announcements up to and with this one
 
   // The name of the object that holds the function; "(process internal)" for specials.

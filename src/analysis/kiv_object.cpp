@@ -11,8 +11,7 @@
 
 namespace kiv {
 
-void function_table::announce(std::uint32_t object_id, std::int32_t number,
-                              std::string_view name) {
+void function_table::announce(std::uint32_t object_id, std::int32_t number, std::string_view name) {
   const Func_loc location{object_id, number, keep(name), ++announcements_};
   const auto entry = functions_.find(number);
   if (entry == functions_.end()) {

@@ -10,8 +10,8 @@ namespace kiv {
 inline constexpr int id_stat_divisor = 100;
 inline constexpr int color_stat_divisor = 10;
 
-// The bundle of a colour, or none, in no more space than a bundle: the bundles of all colours in all
-// processes are most of what a trace needs. The unit of a bundle that exists is never 0.
+// The bundle of a colour, or none, in no more space than a bundle: the bundles of all colours in
+// all processes are most of what a trace needs. The unit of a bundle that exists is never 0.
 template <class T>
 class optional_bundle {
  public:
