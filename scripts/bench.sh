@@ -51,7 +51,7 @@ for tag in a n f r S G M T C R c F Z I O i o Q q s P X B L p l b H d y D Y; do
   "$tools/make_trace" base-$tag 20000 base >/dev/null
   "$tools/make_trace" type-$tag 20000 type >/dev/null
   per_record "type $tag" "$(instructions type/kiv.1.kivhdr)" "$(instructions base/kiv.1.kivhdr)" 20000
-  case $tag in R | P | X | L | H | c | l)
+  case $tag in R | P | L)
     per_record '  before the tables at the end' "$(instructions type/kiv.1.kivhdr "$replay")" \
       "$(instructions base/kiv.1.kivhdr "$replay")" 20000 ;;
   esac

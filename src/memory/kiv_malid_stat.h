@@ -31,9 +31,7 @@ template <class T1, class T2>
 class KivMalidStat {
  public:
   explicit KivMalidStat(std::uint32_t colors_of_id = 0)
-      : nr_colors(colors_of_id), stat(T1{id_stat_divisor}) {
-    colors.expect(colors_of_id);
-  }
+      : nr_colors(colors_of_id), stat(T1{id_stat_divisor}) {}
 
   // The bundle of a colour that has one already, else null.
   KivStat<T2>* find_color(std::uint32_t color) { return colors.find(color); }
@@ -47,6 +45,7 @@ class KivMalidStat {
 
   // Gives the colour a fresh, empty bundle in place of any it had.
   KivStat<T2>& renew_color(std::uint32_t color) {
+    colors.expect(nr_colors);
     return colors.assign(color, optional_bundle<T2>(KivStat<T2>(T2{color_stat_divisor})));
   }
 
