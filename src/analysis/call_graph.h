@@ -1,18 +1,15 @@
 #pragma once
 
-#include <absl/container/flat_hash_map.h>
+#include <absl/hash/hash.h>
 
-#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kiv {
 
 class kiv_reader;
 class KivProcess;
-class KivSymbol;
 
 // A place in the code: a function of an object, or a special location of a process.
 struct Func_loc {
@@ -35,12 +32,6 @@ class Func_rel {
   // Returns the arc's number.
   std::uint32_t update_child(Func_rel* callee, KivProcess& process);
 
-  // Attaches a symbol by its category; one of no known category is reported on the error stream.
-  void add_symbol(KivSymbol* symbol);
-
-  // Forgets arcs and symbols, which end with the process.
-  void forget_calls();
-
   std::string_view name() const {  // empty without location
     return location == nullptr ? std::string_view() : location->name;
   }
@@ -52,16 +43,33 @@ class Func_rel {
   const Func_loc* const location;
   std::uint32_t calls = 0;  // through arcs that existed already
 
- private:
-  absl::flat_hash_map<const Func_rel*, std::uint32_t> callee_arcs_;
-  std::array<std::vector<KivSymbol*>, 4> symbols_;  // locals, arguments, externals, dynamics
+  // The arcs from here that are found by following them from one to the next: the first few.
+  std::uint32_t newest_arc = 0;
+  std::uint32_t followed_arcs = 0;
 };
 
 // One caller-to-callee edge of one process; its number is its place in the process's arc table.
 struct FuncArc {
   Func_rel* from;
   Func_rel* to;
-  std::uint32_t count = 0;  // calls along this arc
+  std::uint32_t count = 0;     // calls along this arc
+  std::uint32_t next_arc = 0;  // the one followed next from the same caller
+};
+
+// What an arc is found by when its caller has many.
+struct arc_ends {
+  const Func_rel* from;
+  const Func_rel* to;
+  bool operator==(const arc_ends&) const = default;
+};
+struct arc_hash {
+  // The places of functions differ by small multiples, the factor by none: no two pairs meet.
+  std::size_t operator()(const arc_ends& ends) const {
+    constexpr std::uint64_t factor = 0x9e3779b97f4a7c15;
+    const auto from = reinterpret_cast<std::uintptr_t>(ends.from);
+    const auto to = reinterpret_cast<std::uintptr_t>(ends.to);
+    return absl::Hash<std::uint64_t>{}(from + to * factor);
+  }
 };
 
 // One entry of a call stack.

@@ -27,8 +27,8 @@ void KivOip::fill_func_tables() {
 Func_rel* KivOip::find_function(std::int32_t number, bool global) {
   if (!filled_) fill_func_tables();
   table& wanted = global ? globals_ : functions_;
-  const auto known = wanted.relations.find(number);
-  if (known != wanted.relations.end()) return known->second.get();
+  const auto place = static_cast<std::uint32_t>(number);
+  if (Func_rel* known = wanted.relations.find(place)) return known;
   if (number < 0) {
     std::cerr << fmt::format("ERROR find_function funnr <= 0 {}\n", number);
     return nullptr;
@@ -37,8 +37,8 @@ Func_rel* KivOip::find_function(std::int32_t number, bool global) {
     std::cerr << fmt::format("ERROR find_function funnr {} not found\n", number);
     return nullptr;
   }
-  auto relation = std::make_unique<Func_rel>(wanted.functions->find(number, wanted.announcements));
-  return wanted.relations.emplace(number, std::move(relation)).first->second.get();
+  const Func_loc* location = wanted.functions->find(number, wanted.announcements);
+  return &wanted.relations.assign(place, std::make_unique<Func_rel>(location));
 }
 
 }  // namespace kiv

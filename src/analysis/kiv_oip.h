@@ -1,11 +1,10 @@
 #pragma once
 
-#include <absl/container/flat_hash_map.h>
-
 #include <cstdint>
 #include <memory>
 
 #include "analysis/call_graph.h"
+#include "memory/number_table.h"
 
 namespace kiv {
 
@@ -29,7 +28,7 @@ class KivOip {
     const function_table* functions;
     std::size_t size = 0;
     std::uint32_t announcements = 0;
-    absl::flat_hash_map<std::int32_t, std::unique_ptr<Func_rel>> relations;
+    number_table<std::unique_ptr<Func_rel>, 256> relations;
   };
 
   void fill_func_tables();

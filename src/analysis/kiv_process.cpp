@@ -10,6 +10,13 @@
 
 namespace kiv {
 
+namespace {
+
+// Few functions call more others; following the arcs of those would take longer than a look-up.
+constexpr std::uint32_t max_followed_arcs = 12;
+
+}  // namespace
+
 KivProcess::KivProcess(kiv_reader* reader, const KivProcessStart& event)
     : main_pid_(event.get_main_pid()),
       pid_(event.pid),
@@ -78,13 +85,8 @@ void KivProcess::add_special(std::int32_t number, const std::string& name) {
 }
 
 void KivProcess::link_oip(std::uint32_t object_id) {
-  std::unique_ptr<KivOip>& oip = oips_[object_id];
-  if (oip == nullptr) oip = std::make_unique<KivOip>(object_id, reader_);
-}
-
-KivOip* KivProcess::find_oip(std::uint32_t object_id) const {
-  const auto entry = oips_.find(object_id);
-  return entry == oips_.end() ? nullptr : entry->second.get();
+  if (oips_.find(object_id) != nullptr) return;
+  oips_.assign(object_id, std::make_unique<KivOip>(object_id, reader_));
 }
 
 void KivProcess::start_stack() {
@@ -121,6 +123,24 @@ std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
   return static_cast<std::uint32_t>(arcs_.size() - 1);
 }
 
+std::pair<std::uint32_t, bool> KivProcess::find_or_add_arc(Func_rel* from, Func_rel* to) {
+  const FuncArc* arcs = arcs_.data();
+  std::uint32_t arc = from->newest_arc;
+  for (std::uint32_t left = from->followed_arcs; left > 0; --left) {
+    if (arcs[arc].to == to) return {arc, false};
+    arc = arcs[arc].next_arc;
+  }
+  if (from->followed_arcs == max_followed_arcs) {
+    const auto [entry, is_new] = further_arcs_.try_emplace({from, to}, 0);
+    if (is_new) entry->second = add_arc(from, to);
+    return {entry->second, is_new};
+  }
+  arc = add_arc(from, to);
+  arcs_[arc].next_arc = std::exchange(from->newest_arc, arc);
+  ++from->followed_arcs;
+  return {arc, true};
+}
+
 KivSymbol* KivProcess::find_symbol(std::int64_t sym) const {
   const auto entry = symbols_.find(sym);
   return entry == symbols_.end() ? nullptr : entry->second.get();
@@ -142,11 +162,10 @@ void KivProcess::symbol_alloc(const KivSymbolAlloc& event) {
     return;
   }
   symbol->allocate(event, flow_counter_);
-  Func_rel* function = stack_.empty() ? nullptr : stack_.back().function;
-  if (function == nullptr) {
-    unattached_symbols_.push_back(symbol);
-  } else {
-    function->add_symbol(symbol);
+  // Nothing asks which symbols a function has; one that would not be filed there is reported.
+  const bool has_function = !stack_.empty() && stack_.back().function != nullptr;
+  if (has_function && !symbol->has_category()) {
+    std::cerr << "sym with no category\"" + symbol->name + "\"\n";
   }
 }
 
@@ -164,18 +183,12 @@ void KivProcess::columns(csv_row& row) const {
 }
 
 void KivProcess::free_process() {
-  // Only what a call went through, or stood at the base of the stack, has anything to forget.
-  for (const FuncArc& arc : arcs_) {
-    arc.from->forget_calls();
-    if (arc.to != arc.from) arc.to->forget_calls();
-  }
-  const auto base = specials_.find(0);
-  if (base != specials_.end()) base->second->function.relation.forget_calls();
+  for (const FuncArc& arc : arcs_) arc.from->followed_arcs = 0;
   stack_.clear();
   arcs_ = {};
-  oips_.clear();
+  further_arcs_ = {};
+  oips_ = {};
   former_specials_.clear();
-  unattached_symbols_.clear();
   symbols_.clear();
   alive_ = false;
 }

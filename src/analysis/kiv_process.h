@@ -10,6 +10,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "analysis/call_graph.h"
@@ -18,6 +19,7 @@
 #include "events/event_context.h"
 #include "header/moment_text.h"
 #include "memory/kiv_malid_stat.h"
+#include "memory/number_table.h"
 #include "output/csv_row.h"
 
 namespace kiv {
@@ -60,7 +62,9 @@ class KivProcess {
   // Code.
   void add_special(std::int32_t number, const std::string& name);
   void link_oip(std::uint32_t object_id);
-  KivOip* find_oip(std::uint32_t object_id) const;  // null when the object is not linked
+  KivOip* find_oip(std::uint32_t object_id) const {  // null when the object is not linked
+    return oips_.find(object_id);
+  }
   // A special for numbers up to 0, else a function of a linked object; null when there is none. The
   // first look-up puts the base entry on the call stack.
   Func_rel* find_function(std::uint32_t object_id, std::int32_t number, bool global);
@@ -77,6 +81,8 @@ class KivProcess {
   std::uint32_t flow_counter() const { return flow_counter_; }
   void count_flow() { ++flow_counter_; }
   std::uint32_t add_arc(Func_rel* from, Func_rel* to);
+  // The number of the arc from a caller to a callee, and whether it is new.
+  std::pair<std::uint32_t, bool> find_or_add_arc(Func_rel* from, Func_rel* to);
   void count_call(std::uint32_t arc) { ++arcs_[arc].count; }
   const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
     return number < arcs_.size() ? &arcs_[number] : nullptr;
@@ -141,7 +147,7 @@ class KivProcess {
 
   bool stack_started_ = false;
   bool alive_ = true;
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<KivOip>> oips_;  // by object id
+  number_table<std::unique_ptr<KivOip>, 256> oips_;  // by object id
   // By number, negative ones as unsigned. An overwritten special may still stand in the call
   // graph, so it stays until the process ends.
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<special_function>> specials_;
@@ -149,10 +155,10 @@ class KivProcess {
   std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
   std::vector<Func_context> stack_;
   absl::InlinedVector<FuncArc, 1> arcs_;  // by arc number; most processes start with one
+  absl::flat_hash_map<arc_ends, std::uint32_t, arc_hash> further_arcs_;  // not to be followed
   hosk_call hosk_call_;
   std::uint32_t flow_counter_ = 0;
   absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym
-  std::vector<KivSymbol*> unattached_symbols_;  // allocated while no function was on the stack
 };
 
 inline std::ostream& operator<<(std::ostream& os, const KivProcess& process) {
