@@ -4,36 +4,22 @@
 
 namespace kiv {
 
-void KivObjectLink::setelems() {
-  readelem(pid);
-  readelem(id_of_obj);
-}
+void KivObjectLink::setelems() { readelems(pid, id_of_obj); }
 
 void KivFunctionName::setelems() {
-  readelem(id_of_obj);
-  readelem(funnr);
+  readelems(id_of_obj, funnr);
   readelem(funcname);
 }
 
-void KivFlowIn::setelems() {
-  readelem(parent_id);
-  readelem(parent_funnr);
-  readelem(child_id);
-  readelem(child_funnr);
-}
+void KivFlowIn::setelems() { readelems(parent_id, parent_funnr, child_id, child_funnr); }
 
 void KivHoskFlowIn::setelems() {
-  readelem(id_of_obj);
-  readelem(fun3glnr);
-  readelem(funnr);
-  readelem(sym);
+  readelems(id_of_obj, fun3glnr, funnr, sym);
   readelem(args);
 }
 
 void KivHoskFlowOut::setelems() {
-  readelem(id_of_obj);
-  readelem(fun3glnr);
-  readelem(funnr);
+  readelems(id_of_obj, fun3glnr, funnr);
   readelem(args);
 }
 

@@ -13,6 +13,15 @@ inline void KivEvent::readelem(std::uint64_t& value) { reader_->readbytes(readel
 inline void KivEvent::readelem(std::int64_t& value) { reader_->readbytes(readelemsize(), value); }
 inline void KivEvent::readelem(std::string& text) { reader_->readbytes(readelemsize(), text); }
 
+template <class... Numbers>
+void KivEvent::readelems(Numbers&... numbers) {
+  if (reader_->files().cursor().read_all(next_width_, numbers...)) [[likely]] {
+    next_width_ += sizeof...(numbers);
+  } else {
+    (readelem(numbers), ...);
+  }
+}
+
 inline void KivEvent::readloc(std::uint32_t& text_index, std::int64_t& location) {
   reader_->readloc(readelemsize(), text_index, location);
 }

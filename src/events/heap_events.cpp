@@ -5,10 +5,7 @@
 
 namespace kiv {
 
-void KivSbrk::setelems() {
-  readelem(addr);
-  readelem(size);
-}
+void KivSbrk::setelems() { readelems(addr, size); }
 
 void KivSbrk::columns(csv_row& row) const {
   row.col(static_cast<char>(type())).col(counters.rec_sbrk_count++).col(counters.record_count);
@@ -17,10 +14,7 @@ void KivSbrk::columns(csv_row& row) const {
   reader()->reserve_ids().heap_columns(row);
 }
 
-void KivSbrkGap::setelems() {
-  readelem(l_sbrk);
-  readelem(c_sbrk);
-}
+void KivSbrkGap::setelems() { readelems(l_sbrk, c_sbrk); }
 
 void KivSbrkGap::columns(csv_row& row) const {
   row.col(static_cast<char>(type())).col(counters.rec_sbrk_count++).col(counters.record_count);
@@ -29,11 +23,7 @@ void KivSbrkGap::columns(csv_row& row) const {
   reader()->reserve_ids().heap_columns(row);
 }
 
-void KivMallInfo::setelems() {
-  readelem(arena);
-  readelem(used);
-  readelem(freed);
-}
+void KivMallInfo::setelems() { readelems(arena, used, freed); }
 
 void KivMallInfo::columns(csv_row& row) const {
   row.col(counters.rec_arena_count);

@@ -12,8 +12,7 @@ void KivReserveIdColors::setelems() {
 void KivFreeOrReset::setelems() {
   readelem(id);
   readloc(location_text, location);
-  readelem(tot_size_wf);
-  readelem(tot_size_nf);
+  readelems(tot_size_wf, tot_size_nf);
 }
 
 }  // namespace kiv

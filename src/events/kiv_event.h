@@ -38,6 +38,9 @@ class KivEvent {
   void readelem(std::uint64_t& value);
   void readelem(std::int64_t& value);
   void readelem(std::string& text);
+  // Neighbouring numbers.
+  template <class... Numbers>
+  void readelems(Numbers&... numbers);
   // A source location: its number, and where its text stands in the book of locations.
   void readloc(std::uint32_t& text_index, std::int64_t& location);
 

@@ -8,12 +8,7 @@
 namespace kiv {
 
 void KivMallocWF::setelems() {
-  readelem(id);
-  readelem(color);
-  readelem(addr);
-  readelem(addr_realloc);
-  readelem(size);
-  readelem(tot_size);
+  readelems(id, color, addr, addr_realloc, size, tot_size);
   readloc(location_text_, location_);
   realloc_source_ = 0;
   record_number_ = update_stats();
@@ -24,11 +19,7 @@ memory_figures KivMallocWF::figures() const {
 }
 
 void KivMallocNF::setelems() {
-  readelem(id);
-  readelem(color);
-  readelem(addr);
-  readelem(size);
-  readelem(tot_size);
+  readelems(id, color, addr, size, tot_size);
   readloc(location_text_, location_);
   record_number_ = update_stats();
 }
@@ -38,10 +29,7 @@ memory_figures KivMallocNF::figures() const {
 }
 
 void KivFree::setelems() {
-  readelem(id);
-  readelem(color);
-  readelem(addr);
-  readelem(location_);
+  readelems(id, color, addr, location_);
   record_number_ = update_stats();
 }
 
@@ -51,13 +39,7 @@ memory_figures KivFree::figures() const {
 }
 
 void KivFreeRealloc::setelems() {
-  readelem(id);
-  readelem(color);
-  readelem(addr);
-  readelem(addr_free);
-  readelem(size);
-  readelem(tot_size);
-  readelem(location_);
+  readelems(id, color, addr, addr_free, size, tot_size, location_);
   record_number_ = update_stats();
 }
 

@@ -6,8 +6,7 @@
 namespace kiv {
 
 void KivProcessStart::setelems() {
-  readelem(pid);
-  readelem(parent);
+  readelems(pid, parent);
   readelem(session_name);
   session_name.erase(std::min(session_name.find(' '), session_name.size()));
 }
@@ -19,15 +18,11 @@ std::uint32_t KivProcessStart::get_main_pid() const {
 void KivProcessEnd::setelems() { readelem(pid); }
 
 void KivProcessSpecialLoad::setelems() {
-  readelem(pid);
-  readelem(funnr);
+  readelems(pid, funnr);
   readelem(funcname);
 }
 
-void KivSchedule::setelems() {
-  readelem(curr_pid);
-  readelem(new_pid);
-}
+void KivSchedule::setelems() { readelems(curr_pid, new_pid); }
 
 KivProcess* KivSchedule::get_cur_proc() const {
   return reader()->processes().get_process(curr_pid);

@@ -5,14 +5,10 @@
 namespace kiv {
 
 void KivQueryIn::setelems() {
-  readelem(qid);
-  readelem(type);
+  readelems(qid, type);
   readelem(query);
 }
 
-void KivQueryOut::setelems() {
-  readelem(qid);
-  readelem(linked_qid);
-}
+void KivQueryOut::setelems() { readelems(qid, linked_qid); }
 
 }  // namespace kiv

@@ -4,22 +4,15 @@
 
 namespace kiv {
 
-void KivSymbolNew::setelems() {
-  readelem(sym);
-  readelem(symnr);
-  readelem(sym_type);
-}
+void KivSymbolNew::setelems() { readelems(sym, symnr, sym_type); }
 
 void KivSymbolAlloc::setelems() {
-  readelem(sym);
-  readelem(flags);
-  readelem(size);
+  readelems(sym, flags, size);
   readelem(name);
 }
 
 void KivSymbolDims::setelems() {
-  readelem(sym);
-  readelem(nrdims);
+  readelems(sym, nrdims);
   for (std::uint32_t& dim : dims) readelem(dim);
 }
 

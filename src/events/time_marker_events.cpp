@@ -5,8 +5,7 @@
 namespace kiv {
 
 void KivTimeStamp::setelems() {
-  readelem(tv_secs);
-  readelem(tv_nsecs);
+  readelems(tv_secs, tv_nsecs);
   time_text_ = reader()->local_time(tv_secs, tv_nsecs);
 }
 

@@ -38,8 +38,7 @@ KivReserveId::KivReserveId(kiv_reader* reader, const char* name)
 }
 
 void KivReserveId::setelems() {
-  readelem(id);
-  readelem(default_size);
+  readelems(id, default_size);
   readloc(location_text, location);
   readelem(nr_colors);
   readelem(reserve_type);

@@ -46,24 +46,23 @@ class record_cursor {
   template <std::integral T>
   void read(std::uint32_t width, T& value) {
     static_assert(sizeof(T) == 4 || sizeof(T) == 8);
-    const unsigned char* from = take(width);
-    if (from == nullptr) return;
-    switch (width) {
-      case 1:
-        value = static_cast<T>(static_cast<std::uint32_t>(static_cast<signed char>(*from)));
-        break;
-      case 2:
-        value = static_cast<T>(load_as<T, std::uint16_t>(from));
-        break;
-      case 4:
-        value = static_cast<T>(load_as<T, std::uint32_t>(from));
-        break;
-      case 8:
-        if constexpr (sizeof(T) == 8) value = static_cast<T>(load_as<T, std::uint64_t>(from));
-        break;
-      default:
-        break;
+    if (width == sizeof(T) && sizeof(T) <= left()) [[likely]] {
+      value = load_as<T, std::make_unsigned_t<T>>(bytes_ + position_);
+      position_ += sizeof(T);
+    } else {
+      read_other_width(width, value);
     }
+  }
+  // Reads neighbouring numbers, if each is as wide as its value and the file holds them all; else
+  // reads nothing and returns false.
+  template <std::integral... T>
+  bool read_all(const std::uint32_t* widths, T&... values) {
+    constexpr std::size_t size = (sizeof(T) + ...);
+    if (left() < size || !((*widths++ == sizeof(T)) && ...)) return false;
+    const unsigned char* from = bytes_ + position_;
+    ((values = load_as<T, std::make_unsigned_t<T>>(from), from += sizeof(T)), ...);
+    position_ += size;
+    return true;
   }
 
   // The characters up to the next NUL, which is passed too; looks into the file's bytes. A text
@@ -86,6 +85,26 @@ class record_cursor {
 
  private:
   static constexpr std::size_t max_text = 65536;  // reaches behind the end of every record
+
+  // Out of line: nearly all fields are as wide as what they are read into.
+  template <std::integral T>
+  [[gnu::noinline]] void read_other_width(std::uint32_t width, T& value) {
+    const unsigned char* from = take(width);
+    if (from == nullptr) return;
+    switch (width) {
+      case 1:
+        value = static_cast<T>(static_cast<std::uint32_t>(static_cast<signed char>(*from)));
+        break;
+      case 2:
+        value = static_cast<T>(load_as<T, std::uint16_t>(from));
+        break;
+      case 4:
+        value = static_cast<T>(load_as<T, std::uint32_t>(from));
+        break;
+      default:
+        break;
+    }
+  }
 
   std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
   // Below 0 when the position is behind the end.
