@@ -28,7 +28,7 @@ struct flow_sums {
 }  // namespace
 
 void KivProcess::write_flow_row(std::uint32_t depth, std::uint32_t arc, char direction) const {
-  csv_row row(reader_->table(replay_table::flow).get_stream());
+  csv_row row(reader_->table(replay_table::flow));
   row.raw(reader_->run_columns());
   row.cols(pid_, flow_counter_, depth, std::uint64_t{counters.record_count} + 1, arc);
   row.raw(direction).end_text();

@@ -110,7 +110,7 @@ void KivMem<T>::clear_all_mem(std::uint32_t color_count, bool verbose, kiv_type 
       all.add(block);
       by_color[block.color].add(block);
     }
-    csv_row row(reader_->table(replay_table::freemem).get_stream());
+    csv_row row(reader_->table(replay_table::freemem));
     row.raw(reader_->run_columns()).col(block.record).col(cause).col(static_cast<char>(type));
     row.end_line();
     pool_->release(handle);

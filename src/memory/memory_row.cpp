@@ -67,7 +67,7 @@ void KivMemory::columns(csv_row& row) const {
 }
 
 void KivMemory::write_row() const {
-  csv_row row(reader()->table(replay_table::memory).get_stream());
+  csv_row row(reader()->table(replay_table::memory));
   row.raw(reader()->event_columns());
   columns(row);
   row.end_line();

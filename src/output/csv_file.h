@@ -35,6 +35,9 @@ class csv_file {
     return stream_;
   }
 
+  // What get_stream() writes to.
+  csv_filebuf& buffer() { return buffer_; }
+
   void set_max(std::int64_t limit) { size_limit_ = limit; }  // bytes
   void add_check(bool on) { size_check_ = on; }
   const std::string& get_filename() const { return file_name_; }  // without the directory

@@ -83,14 +83,23 @@ bool csv_filebuf::write_out(const char* bytes, std::size_t count) {
 }
 
 bool csv_filebuf::put_slowly(const char* text, std::size_t count) {
+  if (!make_room()) return false;
+  if (count >= static_cast<std::size_t>(epptr() - pptr())) return write_out(text, count);
+  std::memcpy(pptr(), text, count);
+  pbump(static_cast<int>(count));
+  return true;
+}
+
+char* csv_filebuf::claim_anew(std::size_t bytes) {
+  return make_room() && bytes < static_cast<std::size_t>(epptr() - pptr()) ? pptr() : nullptr;
+}
+
+bool csv_filebuf::make_room() {
   if (!is_open() || !flush()) return false;
   if (!buffer_) {
     buffer_.reset(new (std::nothrow) char[capacity]);
     if (buffer_) setp(buffer_.get(), buffer_.get() + capacity);
   }
-  if (count >= static_cast<std::size_t>(epptr() - pptr())) return write_out(text, count);
-  std::memcpy(pptr(), text, count);
-  pbump(static_cast<int>(count));
   return true;
 }
 

@@ -28,6 +28,13 @@ class csv_filebuf : public std::streambuf {
   // Where the next byte goes, in bytes from the start of the file; -1 when no file is open.
   std::int64_t position() const { return is_open() ? flushed_ + (pptr() - pbase()) : -1; }
 
+  // A place for up to `bytes` bytes, to be written there by hand; null when the file has none. They
+  // count from add() on, which follows before any other write.
+  char* claim(std::size_t bytes) {
+    return bytes < static_cast<std::size_t>(epptr() - pptr()) ? pptr() : claim_anew(bytes);
+  }
+  void add(std::size_t bytes) { pbump(static_cast<int>(bytes)); }
+
   // Puts the pending bytes of every open buffer on disk: the last thing to do before an abort.
   static void flush_all();
 
@@ -44,6 +51,8 @@ class csv_filebuf : public std::streambuf {
   bool flush();
   bool write_out(const char* bytes, std::size_t count);
   bool put_slowly(const char* text, std::size_t count);
+  char* claim_anew(std::size_t bytes);
+  bool make_room();
   void link();
   void unlink();
 

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "output/csv_file.h"
 #include "output/decimal.h"
 #include "output/put_text.h"
 #include "settings.h"
@@ -14,14 +15,19 @@ namespace kiv {
 
 // One line of a CSV table under construction, the one place where numbers become text. Columns are
 // collected in a buffer and handed to the stream once per line (more often only if the line
-// outgrows the buffer). Every column is followed by data_sep; end_line() turns the last separator
-// into the line end. While a row lives nobody else writes to its stream.
+// outgrows the buffer); a row of a table's file is written where the file's own buffer has the
+// place for it. Every column is followed by data_sep; end_line() turns the last separator into the
+// line end. While a row lives nobody else writes to its stream.
 template <std::size_t capacity>
 class basic_csv_row {
   static_assert(capacity >= number_room + 3);  // a number and what spill() keeps
 
  public:
-  explicit basic_csv_row(std::ostream& os) : os_(os), separator_(data_sep), next_(buffer_) {}
+  explicit basic_csv_row(std::ostream& os) : os_(os), separator_(data_sep) {}
+  explicit basic_csv_row(csv_file& file) : basic_csv_row(file.get_stream()) {
+    file_ = &file.buffer();
+    if (char* place = file_->claim(capacity)) next_ = buffer_ = place;
+  }
   basic_csv_row(const basic_csv_row&) = delete;
   basic_csv_row& operator=(const basic_csv_row&) = delete;
   ~basic_csv_row() { assert(next_ == buffer_ && "a row must be ended"); }
@@ -124,8 +130,14 @@ class basic_csv_row {
     assert(next_ != buffer_ && next_[-1] == separator_);
     --next_;
   }
+  // What comes behind goes into the buffer of the row's own.
   void flush() {
-    hand_over(buffer_, static_cast<std::size_t>(next_ - buffer_));
+    if (buffer_ == own_) {
+      hand_over(own_, length());
+    } else {
+      file_->add(length());
+      buffer_ = own_;
+    }
     next_ = buffer_;
   }
   // Straight to the buffer: a sentry per row would cost more than the row's shorter columns.
@@ -142,10 +154,12 @@ class basic_csv_row {
     *next_++ = last;
   }
 
-  char buffer_[capacity];  // NOLINT(modernize-avoid-c-arrays): uninitialised until columns come
+  char own_[capacity];  // NOLINT(modernize-avoid-c-arrays): uninitialised until columns come
   std::ostream& os_;
+  csv_filebuf* file_ = nullptr;
   const char separator_;
-  char* next_;
+  char* buffer_ = own_;  // where the line is collected
+  char* next_ = buffer_;
 };
 
 using csv_row = basic_csv_row<2048>;

@@ -90,7 +90,7 @@ void event_loop::on_query_out() {
   }
   complete_pending_query(event);
   bracket->complete(event);
-  csv_row row(reader_.table(replay_table::queryevents).get_stream());
+  csv_row row(reader_.table(replay_table::queryevents));
   row.raw(reader_.run_columns()).col(bracket->sequence_number()).col(reader_.now());
   bracket->columns(row);
   row.end_line();

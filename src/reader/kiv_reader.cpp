@@ -79,7 +79,7 @@ void kiv_reader::close_query_event() { query_event_.reset(); }
 void kiv_reader::WriteMarker(std::string_view type, std::string_view subtype, std::string_view time,
                              std::string_view text) {
   const std::uint64_t records = reserve_ids_->global().rec.value;
-  csv_row row(table(replay_table::marker).get_stream());
+  csv_row row(table(replay_table::marker));
   row.raw(run_columns_).cols(counters.marker_cnt++, records, counters.last_record_count);
   row.col(time).col(type.substr(0, 25)).col(subtype.substr(0, 10)).col(text.substr(0, 255));
   row.end_line();

@@ -43,7 +43,7 @@ void event_loop::on_free_realloc() {
 
 template <class Event>
 void event_loop::write_sbrk_row(const Event& event) {
-  csv_row row(reader_.table(replay_table::sbrk).get_stream());
+  csv_row row(reader_.table(replay_table::sbrk));
   row.raw(reader_.event_columns()).col(counters.record_count);
   event.columns(row);
   row.end_line();
@@ -66,7 +66,7 @@ void event_loop::on_sbrk_gap() {
 void event_loop::on_mallinfo() {
   KivMallInfo event(&reader_);
   decode(event);
-  csv_row row(reader_.table(replay_table::arena).get_stream());
+  csv_row row(reader_.table(replay_table::arena));
   row.raw(reader_.event_columns()).col(counters.record_count);
   event.columns(row);
   row.end_line();
