@@ -15,6 +15,12 @@ namespace {
 // Few functions call more others; following the arcs of those would take longer than a look-up.
 constexpr std::uint32_t max_followed_arcs = 12;
 
+// Whether a function that is_at() these was found by them: specials may be replaced, and functions
+// of objects that were never loaded all carry id 0.
+bool names_one_function(std::uint32_t object_id, std::int32_t number) {
+  return number > 0 && object_id != 0;
+}
+
 }  // namespace
 
 KivProcess::KivProcess(kiv_reader* reader, const KivProcessStart& event)
@@ -106,8 +112,7 @@ Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number
 }
 
 Func_rel* KivProcess::find_caller(std::uint32_t object_id, std::int32_t number) {
-  // Id 0 is left out: functions of objects that were never loaded carry it too.
-  if (number > 0 && object_id != 0 && !stack_.empty()) {
+  if (names_one_function(object_id, number) && !stack_.empty()) {
     Func_rel* current = stack_.back().function;
     if (current != nullptr && current->is_at(object_id, number)) return current;
   }
@@ -139,6 +144,24 @@ std::pair<std::uint32_t, bool> KivProcess::find_or_add_arc(Func_rel* from, Func_
   arcs_[arc].next_arc = std::exchange(from->newest_arc, arc);
   ++from->followed_arcs;
   return {arc, true};
+}
+
+FuncArc* KivProcess::find_repeated_call(const Func_rel& caller, std::uint32_t object_id,
+                                        std::int32_t number) {
+  if (!names_one_function(object_id, number)) return nullptr;
+  FuncArc* arcs = arcs_.data();
+  std::uint32_t arc = caller.newest_arc;
+  for (std::uint32_t left = caller.followed_arcs; left > 0; --left) {
+    if (arcs[arc].to->is_at(object_id, number)) return &arcs[arc];
+    arc = arcs[arc].next_arc;
+  }
+  return nullptr;
+}
+
+std::uint32_t KivProcess::repeat_call(FuncArc& arc) {
+  ++arc.to->calls;
+  ++arc.count;
+  return static_cast<std::uint32_t>(&arc - arcs_.data());
 }
 
 KivSymbol* KivProcess::find_symbol(std::int64_t sym) const {

@@ -84,6 +84,11 @@ class KivProcess {
   // The number of the arc from a caller to a callee, and whether it is new.
   std::pair<std::uint32_t, bool> find_or_add_arc(Func_rel* from, Func_rel* to);
   void count_call(std::uint32_t arc) { ++arcs_[arc].count; }
+  // The arc through which `caller` called a function of an object before; null when it did not, or
+  // has to be looked for by find_function() and find_or_add_arc().
+  FuncArc* find_repeated_call(const Func_rel& caller, std::uint32_t object_id, std::int32_t number);
+  // Counts one more call along the arc; returns its number.
+  std::uint32_t repeat_call(FuncArc& arc);
   const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
     return number < arcs_.size() ? &arcs_[number] : nullptr;
   }

@@ -121,9 +121,15 @@ void event_loop::on_flow_in() {
   decode(event);
   KivProcess& process = *reader_.cc_curr_proc();
   Func_rel* caller = process.find_caller(event.parent_id, event.parent_funnr);
-  Func_rel* callee = process.find_function(event.child_id, event.child_funnr, false);
+  FuncArc* known = caller == nullptr
+                       ? nullptr
+                       : process.find_repeated_call(*caller, event.child_id, event.child_funnr);
+  Func_rel* callee = known != nullptr
+                         ? known->to
+                         : process.find_function(event.child_id, event.child_funnr, false);
   if (caller == nullptr || callee == nullptr) return;
-  const std::uint32_t arc = caller->update_child(callee, process);
+  const std::uint32_t arc =
+      known != nullptr ? process.repeat_call(*known) : caller->update_child(callee, process);
   process.s_push(callee, arc);
   if (debug_level > 1) {
     std::cerr << fmt::format("3>{} {}->{}\n", process.stack_depth(), caller->name(),
