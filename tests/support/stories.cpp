@@ -69,6 +69,12 @@ void every_record(trace& t) {
   t.flow_in(4, 1, 5'000, 1).function(5'000, 2, "two anew").function(5'000, 3, "unseen");
   t.flow_in(5'000, 1, 5'000, 2).flow_in(5'000, 2, 5'000, 3);
 
+  // One function calls many others, each twice. Processes with far numbers, out of order.
+  for (int f = 1; f <= 16; ++f) t.function(77'777, f, "callee " + std::to_string(f));
+  t.link(8, 77'777);
+  for (int call = 0; call < 32; ++call) t.flow_in(5'000, 2, 77'777, 1 + call * 3 % 16).flow_out();
+  t.proc(300'000, "far", 8).proc(70'000, "less far", 8).special(70'000, 0, "far main");
+
   t.schedule(8, 7)
       .flow_out()
       .malloc_nf(14, 0, 0x8780, 2, 16)
