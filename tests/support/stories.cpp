@@ -31,6 +31,8 @@ void every_record(trace& t) {
   t.sbrk(0x8000, 4096).gap(0x9000, 0x9800).sbrk(0x9800, 8192).mallinfo(12288, 700, 11588);
   t.flow_in(7, 0, 3, 1).malloc_wf(3, 0, 0x8010, 100, 112, 0x501).flow_in(3, 1, 3, 2);
   t.malloc_wf(3, 1, 0x8080, 50, 64, 0x501).malloc_nf(3, 1, 0x80c0, 20, 32, 0x501);
+  t.hosk_in(3, 1, 0, 0x602, std::string(3'000, 'h'));  // no row's buffer holds that
+  t.malloc_wf(12, 2, 0x80c0, 7, 16, 0x501).free(12, 2, 0x80c0, 0x502);
   t.hosk_in(3, 1, 1, 0x601, "a, 'b'").malloc_wf(12, 2, 0x8100, 7, 16, 0x501);
   t.realloc(3, 0, 0x8010, 150, 160, 0x502, 0x8010).realloc(3, 1, 0x8080, 30, 48, 0x502);
   t.malloc_wf(3, 0, 0x8200, 200, 208, 0x501, 0x8010).free(3, 0, 0x8010, 0x502);
@@ -73,6 +75,12 @@ void every_record(trace& t) {
   for (int f = 1; f <= 16; ++f) t.function(77'777, f, "callee " + std::to_string(f));
   t.link(8, 77'777);
   for (int call = 0; call < 32; ++call) t.flow_in(5'000, 2, 77'777, 1 + call * 3 % 16).flow_out();
+  // Specials replaced while the call graph holds them; objects that were never loaded share one.
+  t.special(8, -5, "old hook").flow_in(5'000, 1, 8, -5).special(8, -5, "new hook");
+  t.flow_in(8, -5, 4, 1).flow_in(5'000, 1, 8, -5).flow_out().flow_out().flow_out();
+  t.link(8, 0).link(8, 901).function(901, 0, "shared").function(901, 1, "shared too");
+  t.flow_in(5'000, 1, 901, 1).flow_in(901, 1, 4, 1).flow_out().flow_in(0, 1, 4, 1).flow_out();
+  t.flow_in(5'000, 1, 0, 1).flow_out().flow_out();
   t.proc(300'000, "far", 8).proc(70'000, "less far", 8).special(70'000, 0, "far main");
 
   t.schedule(8, 7)
@@ -84,8 +92,12 @@ void every_record(trace& t) {
       .mallinfo(12800, 800, 12000)
       .proc_end(8);
   t.malloc_wf(12, 2, 0x8800, 9, 16, 0x501).special(0, 0, "outside").special(0, -3, "hook");
-  t.special(0, -4, "end of hook");
-  for (int i = 0; i < 2; ++i) t.flow_in(0, 0, 0, -4).flow_in(0, -3, 0, -4).proc_end(0);
+  for (int f = 4; f < 20; ++f) t.special(0, -f, "end of hook");
+  for (int round = 0; round < 2; ++round) {
+    t.flow_in(0, 0, 0, -4);
+    for (int f = 19; f >= 4; --f) t.flow_in(0, -3, 0, -f);
+    t.proc_end(0);
+  }
   t.marker(std::string(300, 'm'));
 }
 
