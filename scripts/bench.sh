@@ -23,10 +23,16 @@ printf 'Compiler: %s\n\n' "$(g++ --version | head -1)"
 
 "$tools/replay_bench" --benchmark_counters_tabular=true 2>/dev/null
 
-# Instructions of one analysis of a trace: in all, or in one function and what it calls.
+# Instructions of one analysis of a trace: in all, or in some functions and what they call.
 instructions() {
-  valgrind --tool=callgrind --callgrind-out-file=/dev/null ${2:+--toggle-collect="$2"} \
-    "$kiv" -H "$1" 2>&1 >/dev/null | sed -n 's/.*Collected *: *//p'
+  header=$1
+  shift
+  for name in "$@"; do
+    set -- "$@" --toggle-collect="$name"
+    shift
+  done
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" "$kiv" -H "$header" 2>&1 >/dev/null |
+    sed -n 's/.*Collected *: *//p'
 }
 replay='kiv::kiv_reader::ReadEvents()'
 memory_row='kiv::KivMemory::write_row() const'
@@ -47,6 +53,13 @@ for kind in memory flow; do
     per_record "memory-heavy trace, all of 1M" "$many" "$start" 1000000
   fi
 done
+# The records of a flow-heavy trace that are none of flow.
+others() {
+  instructions "$1" 'kiv::event_loop::on_malloc_wf()' 'kiv::event_loop::on_free()' \
+    'kiv::event_loop::on_timestamp()' 'kiv::event_loop::on_schedule()'
+}
+per_record '  per flow record' "$((many - $(others flow_many/kiv.1.kivhdr)))" \
+  "$((few - $(others flow_few/kiv.1.kivhdr)))" 630000
 for tag in a n f r S G M T C R c F Z I O i o Q q s P X B L p l b H d y D Y; do
   "$tools/make_trace" base-$tag 20000 base >/dev/null
   "$tools/make_trace" type-$tag 20000 type >/dev/null
