@@ -143,16 +143,6 @@ TEST(Header, ResultsAndMessages) {
   }
 }
 
-TEST(Header, OnlyRegularFilesOpen) {
-  parsed p("<kiv/>");
-  for (const std::string& path : {p.dir / "missing", p.dir.path(), std::string("/dev/null")}) {
-    p.path = path;
-    p.read(0);
-    EXPECT_EQ(p.result, 3);
-    EXPECT_EQ(p.err, "header file " + path + " cannot be opened\n");
-  }
-}
-
 TEST(Header, DebugLinesFollowTheStack) {
   const parsed p("<kiv><foo/><kivfile><foo/></kivfile><entry tag='a'><foo/>x</entry></kiv>", 1);
   EXPECT_EQ(p.err,

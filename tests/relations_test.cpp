@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "output/csv_tables.h"
+#include "same_tables.h"
 #include "support/run_trace.h"
 #include "support/stories.h"
 
@@ -37,12 +38,8 @@ trace told(const story& s, trace t = {}) {
   return t;
 }
 
-void expect_same_tables(const run_result& expected, const run_result& actual) {
-  ASSERT_EQ(expected.files.size(), actual.files.size());
-  for (const auto& [name, bytes] : expected.files) {
-    ASSERT_TRUE(actual.files.contains(name)) << name;
-    EXPECT_EQ(first_difference(bytes, actual.files.at(name)), "") << name;
-  }
+void expect_same_results(const run_result& expected, const run_result& actual) {
+  expect_same_tables(expected, actual);
   EXPECT_EQ(first_difference(expected.out, actual.out), "");
 }
 
@@ -57,7 +54,7 @@ TEST(Relations, TheWayATraceIsWrittenChangesNoTable) {
           t.addr_width(width);
           if (files > 1) t.split_after(told(s).record_count() / files);
           SCOPED_TRACE(testing::Message() << big << " " << width << " " << files);
-          expect_same_tables(plain, run_trace(told(s, t)));
+          expect_same_results(plain, run_trace(told(s, t)));
         }
       }
     }
@@ -73,11 +70,11 @@ TEST(Relations, SeparatorsAndDebugLevelsChangeNothingElse) {
       std::replace_if(
           bytes.begin(), bytes.end(), [](char c) { return c == 1 || c == 2; }, ';');
     }
-    expect_same_tables(plain, other);
+    expect_same_results(plain, other);
     for (const char* level : {"-d", "-D"}) {
       run_result listed = run_trace(told(s), {level});
       listed.out.erase(0, listed.out.find("csv_file:"));  // the header's field list stands before
-      expect_same_tables(plain, listed);
+      expect_same_results(plain, listed);
     }
   }
 }
@@ -104,41 +101,6 @@ TEST(Relations, SplitFilesJoinedAreTheUnsplitFile) {
   }
 }
 
-TEST(Relations, ATraceCutAnywhereGivesThePrefixOfItsTables) {
-  trace t = told(every_record);
-  const run_result whole = run_trace(t);
-  t.recorded_size(0, std::to_string(t.data().size()));
-  std::vector<std::size_t> record_ends{0};
-  while (record_ends.back() < t.data().size()) {
-    const auto byte = [&](std::size_t i) -> std::size_t {
-      return static_cast<unsigned char>(t.data()[record_ends.back() + i]);
-    };
-    record_ends.push_back(record_ends.back() + 3 + byte(1) + 256 * byte(2));
-  }
-
-  for (std::size_t cut = t.data().size(); cut-- > 0;) {
-    SCOPED_TRACE(cut);
-    t.data().resize(cut);
-    const run_result part = run_trace(t);
-    EXPECT_EQ(part.status, 0);
-    EXPECT_EQ(part.files.size(), whole.files.size());
-    for (const csv_table& one : csv_tables()) {
-      if (one.created == table_created::at_end) continue;
-      std::string rows = part.bytes(one.name);
-      if (one.name == "marker") {
-        ASSERT_TRUE(rows.ends_with("End of measurement\n"));
-        rows.resize(rows.rfind('\n', rows.size() - 2) + 1);
-      }
-      EXPECT_TRUE(whole.bytes(one.name).starts_with(rows)) << one.name;
-    }
-    const auto next = std::lower_bound(record_ends.begin(), record_ends.end(), cut);
-    const std::string said =
-        "OUT OF SYNC!!! record: " + std::to_string(next - record_ends.begin()) + "Corrected...\n";
-    EXPECT_EQ(part.out.find(said) != std::string::npos, *next != cut);
-    EXPECT_EQ(part.out.find("OUT OF SYNC"), part.out.rfind("OUT OF SYNC"));
-  }
-}
-
 TEST(Relations, UnknownHeaderElementsChangeNothing) {
   const trace t = told(every_record);
   const temp_dir dir;
@@ -151,7 +113,7 @@ TEST(Relations, UnknownHeaderElementsChangeNothing) {
     at += unknown.size() + 1;
   }
   ASSERT_TRUE(write_file(dir / t.header_name(), header));
-  expect_same_tables(plain, run_kiv(dir.path(), {"-H", t.header_name()}));
+  expect_same_results(plain, run_kiv(dir.path(), {"-H", t.header_name()}));
 }
 
 void check_markers(const table& marker) {
