@@ -1,7 +1,5 @@
 #pragma once
 
-#include <absl/hash/hash.h>
-
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -54,22 +52,6 @@ struct FuncArc {
   Func_rel* to;
   std::uint32_t count = 0;     // calls along this arc
   std::uint32_t next_arc = 0;  // the one followed next from the same caller
-};
-
-// What an arc is found by when its caller has many.
-struct arc_ends {
-  const Func_rel* from;
-  const Func_rel* to;
-  bool operator==(const arc_ends&) const = default;
-};
-struct arc_hash {
-  // The places of functions differ by small multiples, the factor by none: no two pairs meet.
-  std::size_t operator()(const arc_ends& ends) const {
-    constexpr std::uint64_t factor = 0x9e3779b97f4a7c15;
-    const auto from = reinterpret_cast<std::uintptr_t>(ends.from);
-    const auto to = reinterpret_cast<std::uintptr_t>(ends.to);
-    return absl::Hash<std::uint64_t>{}(from + to * factor);
-  }
 };
 
 // One entry of a call stack.

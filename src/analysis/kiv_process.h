@@ -160,7 +160,8 @@ class KivProcess {
   std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
   std::vector<Func_context> stack_;
   absl::InlinedVector<FuncArc, 1> arcs_;  // by arc number; most processes start with one
-  absl::flat_hash_map<arc_ends, std::uint32_t, arc_hash> further_arcs_;  // not to be followed
+  // The arcs that are not followed, by caller and callee.
+  absl::flat_hash_map<std::pair<const Func_rel*, const Func_rel*>, std::uint32_t> further_arcs_;
   hosk_call hosk_call_;
   std::uint32_t flow_counter_ = 0;
   absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym
