@@ -38,9 +38,6 @@ class zone_guard {
 struct parsed {
   explicit parsed(std::string_view document, int level = 0) : path(dir / "x.kivhdr") {
     EXPECT_TRUE(test::write_file(path, document));
-    read(level);
-  }
-  void read(int level) {
     const test::captured errors(std::cerr);
     debug_level = level;
     header.emplace(&parser, path.c_str(), "what it was for");
