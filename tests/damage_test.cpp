@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "output/csv_tables.h"
+#include "reader/record_cursor.h"
 #include "same_tables.h"
 #include "support/run_trace.h"
 #include "support/stories.h"
@@ -67,6 +68,18 @@ TEST(Damage, ACutFileLosesTheRecordThatWasCutAndNothingElse) {
       EXPECT_EQ(part.out.erase(place, said.size()), without.out);
     }
   }
+}
+
+TEST(Damage, ANumberThatTheFileDoesNotWhollyHoldIsLeftAlone) {
+  const unsigned char bytes[] = {1, 0, 0, 0, 2, 0, 9, 9, 9};  // the file has six of them
+  record_cursor cursor(bytes, 6, true);
+  const std::uint32_t widths[] = {4, 4};
+  std::uint32_t whole = 7, cut = 7;
+  EXPECT_FALSE(cursor.read_all(widths, whole, cut));
+  for (std::uint32_t* number : {&whole, &cut}) cursor.read(4, *number);
+  EXPECT_EQ(whole, 1U);
+  EXPECT_EQ(cut, 7U);
+  EXPECT_TRUE(cursor.at_end() && !cursor.at_record_end());
 }
 
 // What holds in the memory rows of any trace whose ids 1 to 5 are reserved before them. Sums are

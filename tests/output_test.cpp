@@ -33,22 +33,6 @@ class Output : public ::testing::Test {
   sql_script script{"sql"};
 };
 
-TEST_F(Output, RunIdsAreMadeSafeForFileNamesAndScripts) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"R42", "R42"},
-      {"", ""},
-      {"../../etc/x", ".._.._etc_x"},
-      {"a'; drop\n\x7f\x1f\t", "a_; drop____"},
-      {"\xC3\xA4 .", "\xC3\xA4 ."},
-      {std::string(300, 'x'), std::string(200, 'x')},
-  };
-  for (const auto& [runid, safe] : cases) EXPECT_EQ(safe_runid(runid), safe);
-  start("a'/b");
-  { const csv_file file = table("sbrk", "a'/b"); }
-  EXPECT_TRUE(fs::exists(dir / "kiv.a__b.sbrk.1.csv"));
-  EXPECT_TRUE(fs::exists(dir / "kiv.a__b.sql"));
-}
-
 TEST_F(Output, LaterTracesAppendUnannouncedUntilTheySplit) {
   start("R42");
   table("memory").get_stream() << "old\n";
