@@ -31,7 +31,7 @@ void KivProcess::write_flow_row(std::uint32_t depth, std::uint32_t arc, char dir
   csv_row row(reader_->table(replay_table::flow));
   row.raw(reader_->run_columns());
   row.cols(pid_, flow_counter_, depth, std::uint64_t{counters.record_count} + 1, arc);
-  row.raw(direction).end_text();
+  row.end_line(direction);
 }
 
 void KivProcess::dump_arcs(std::ostream& os) const {

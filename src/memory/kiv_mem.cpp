@@ -111,8 +111,7 @@ void KivMem<T>::clear_all_mem(std::uint32_t color_count, bool verbose, kiv_type 
       by_color[block.color].add(block);
     }
     csv_row row(reader_->table(replay_table::freemem));
-    row.raw(reader_->run_columns()).col(block.record).col(cause).col(static_cast<char>(type));
-    row.end_line();
+    row.raw(reader_->run_columns()).cols(block.record, cause).end_line(static_cast<char>(type));
     pool_->release(handle);
   }
   if (verbose) report_sums(all, by_color, color_count);

@@ -21,7 +21,7 @@ void report_address(const char* message, std::int64_t addr) {
 
 void write_freemem_row(kiv_reader& reader, std::uint64_t ended, std::uint64_t cause, char type) {
   csv_row row(reader.table(replay_table::freemem));
-  row.raw(reader.run_columns()).col(ended).col(cause).col(type).end_line();
+  row.raw(reader.run_columns()).cols(ended, cause).end_line(type);
 }
 
 std::int32_t difference(std::uint32_t larger, std::uint32_t smaller) {

@@ -26,7 +26,7 @@ class basic_csv_row {
   explicit basic_csv_row(std::ostream& os) : os_(os), separator_(data_sep) {}
   explicit basic_csv_row(csv_file& file) : basic_csv_row(file.get_stream()) {
     file_ = &file.buffer();
-    if (char* place = file_->claim(capacity)) next_ = buffer_ = place;
+    if (char* place = file_->claim(capacity)) write_at(place);
   }
   basic_csv_row(const basic_csv_row&) = delete;
   basic_csv_row& operator=(const basic_csv_row&) = delete;
@@ -55,8 +55,9 @@ class basic_csv_row {
   basic_csv_row& col(char letter) { return raw(letter).raw(separator_); }
   basic_csv_row& col(std::string_view text) {
     if (text.size() >= room()) return raw(text).raw(separator_);
-    next_ = put_text(next_, text);
-    *next_++ = separator_;
+    char* const end = put_text(next_, text);
+    *end = separator_;
+    next_ = end + 1;
     return *this;
   }
   basic_csv_row& col(const char* text) { return col(std::string_view(text)); }
@@ -102,15 +103,20 @@ class basic_csv_row {
                             : std::string_view();
   }
 
-  // Ends the line behind the last column.
+  // Ends the line behind the last column, or with one more of a single letter.
   void end_line() {
     drop_separator();
     end_text();
   }
+  void end_line(char last_column) {
+    next_[0] = last_column;
+    next_[1] = '\n';
+    end_at(next_ + 2);
+  }
   // Ends the line as it stands, for lines that end with a text.
   void end_text() {
-    *next_++ = '\n';
-    flush();
+    *next_ = '\n';
+    end_at(next_ + 1);
   }
   // Hands over what there is without a line end; end_part() takes the last separator back.
   void end_part_as_is() { flush(); }
@@ -120,9 +126,9 @@ class basic_csv_row {
   }
 
  private:
-  // One byte is always left for the separator behind a number, the line end, or a spilled line's
-  // last separator.
-  std::size_t room() const { return static_cast<std::size_t>(buffer_ + capacity - next_) - 2; }
+  // Two bytes are always left: for the letter and the line end that end a line, a separator behind
+  // a text, or a spilled line's last separator.
+  std::size_t room() const { return static_cast<std::size_t>(full_ - next_); }
   void reserve(std::size_t bytes) {
     if (room() < bytes) spill();
   }
@@ -130,23 +136,28 @@ class basic_csv_row {
     assert(next_ != buffer_ && next_[-1] == separator_);
     --next_;
   }
-  // What comes behind goes into the buffer of the row's own.
-  void flush() {
-    if (buffer_ == own_) {
-      hand_over(own_, length());
-    } else {
-      file_->add(length());
-      buffer_ = own_;
-    }
-    next_ = buffer_;
+  void write_at(char* place) {
+    next_ = buffer_ = place;
+    full_ = place + capacity - 2;
   }
+  // What comes behind goes into the buffer of the row's own.
+  void end_at(char* end) {
+    const auto length = static_cast<std::size_t>(end - buffer_);
+    if (buffer_ == own_) {
+      hand_over(own_, length);
+    } else {
+      file_->add(length);
+    }
+    write_at(own_);
+  }
+  void flush() { end_at(next_); }
   // Straight to the buffer: a sentry per row would cost more than the row's shorter columns.
   void hand_over(const char* text, std::size_t length) {
     const auto count = static_cast<std::streamsize>(length);
     if (os_.rdbuf()->sputn(text, count) != count) os_.setstate(std::ios::badbit);
   }
   // Keeps the last character: it may be the separator that end_line() takes back.
-  void spill() {
+  [[gnu::noinline]] void spill() {
     if (next_ == buffer_) return;
     const char last = next_[-1];
     --next_;
@@ -159,7 +170,8 @@ class basic_csv_row {
   csv_filebuf* file_ = nullptr;
   const char separator_;
   char* buffer_ = own_;  // where the line is collected
-  char* next_ = buffer_;
+  char* next_ = own_;
+  char* full_ = own_ + capacity - 2;  // where next_ may be at most
 };
 
 using csv_row = basic_csv_row<2048>;
