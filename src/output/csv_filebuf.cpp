@@ -33,6 +33,7 @@ bool csv_filebuf::close() {
   flush();
   if (::close(fd_) != 0) failed_ = true;
   fd_ = -1;
+  flushed_ = -1;
   unlink();
   buffer_.reset();
   setp(nullptr, nullptr);

@@ -26,7 +26,7 @@ class csv_filebuf : public std::streambuf {
   bool is_open() const { return fd_ >= 0; }
 
   // Where the next byte goes, in bytes from the start of the file; -1 when no file is open.
-  std::int64_t position() const { return is_open() ? flushed_ + (pptr() - pbase()) : -1; }
+  std::int64_t position() const { return flushed_ + (pptr() - pbase()); }
 
   // A place for up to `bytes` bytes, to be written there by hand; null when the file has none. They
   // count from add() on, which follows before any other write.
@@ -59,7 +59,7 @@ class csv_filebuf : public std::streambuf {
   static csv_filebuf* first_open_;
 
   std::unique_ptr<char[]> buffer_;  // allocated with the first byte
-  std::int64_t flushed_ = 0;        // size at opening and bytes handed to the system since
+  std::int64_t flushed_ = -1;       // size at opening and bytes handed to the system since
   int fd_ = -1;
   bool failed_ = false;
   std::string path_;

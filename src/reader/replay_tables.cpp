@@ -9,8 +9,8 @@ replay_tables::replay_tables(csv_file_sequence* seq, sql_script* script,
   std::size_t next = 0;
   for (const csv_table& table : csv_tables()) {
     if (table.created != table_created::with_reader) continue;
-    files_.at(next++) = std::make_unique<csv_file>(seq, script, std::string(table.name).c_str(),
-                                                   directory, runid, first);
+    files_.at(next++).emplace(seq, script, std::string(table.name).c_str(), directory, runid,
+                              first);
   }
 }
 

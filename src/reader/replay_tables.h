@@ -2,7 +2,7 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "output/csv_file.h"
@@ -41,7 +41,7 @@ class replay_tables {
   void split_at(std::int64_t limit);
 
  private:
-  std::array<std::unique_ptr<csv_file>, 10> files_;
+  std::array<std::optional<csv_file>, 10> files_;
 };
 
 }  // namespace kiv
