@@ -57,13 +57,10 @@ void KivProcess::set_end(const moment_text& time, std::uint64_t record) {
   end_record_ = record;
 }
 
-KivProcess::malid_book* KivProcess::get_mc_stat(std::uint32_t malid) {
+process_malid_stat* KivProcess::get_mc_stat(std::uint32_t malid) {
   if (malid == latest_malid_ && latest_book_ != nullptr) return latest_book_;
-  std::unique_ptr<malid_book>& book = malid_stats_[malid];
-  if (book == nullptr) {
-    const KivReserveId& id = *reader_->reserve_ids().get_reserve_id(malid);
-    book = std::make_unique<malid_book>(id.color_count());
-  }
+  auto& book = malid_stats_[malid];
+  if (book == nullptr) book = reader_->reserve_ids().make_process_book(malid);
   latest_malid_ = malid;
   return latest_book_ = book.get();
 }
@@ -119,10 +116,6 @@ Func_rel* KivProcess::find_caller(std::uint32_t object_id, std::int32_t number) 
   return find_function(object_id, number, false);
 }
 
-void KivProcess::s_pop() {
-  if (!stack_.empty()) stack_.pop_back();
-}
-
 std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
   arcs_.push_back({from, to});
   return static_cast<std::uint32_t>(arcs_.size() - 1);
@@ -156,12 +149,6 @@ FuncArc* KivProcess::find_repeated_call(const Func_rel& caller, std::uint32_t ob
     arc = arcs[arc].next_arc;
   }
   return nullptr;
-}
-
-std::uint32_t KivProcess::repeat_call(FuncArc& arc) {
-  ++arc.to->calls;
-  ++arc.count;
-  return static_cast<std::uint32_t>(&arc - arcs_.data());
 }
 
 KivSymbol* KivProcess::find_symbol(std::int64_t sym) const {

@@ -20,6 +20,7 @@
 #include "header/moment_text.h"
 #include "memory/kiv_malid_stat.h"
 #include "memory/number_table.h"
+#include "memory/object_pool.h"
 #include "output/csv_row.h"
 
 namespace kiv {
@@ -31,8 +32,6 @@ class KivSymbolDdName;
 // call stack, arcs and symbols.
 class KivProcess {
  public:
-  using malid_book = KivMalidStat<std::int64_t, std::int32_t>;
-
   KivProcess(kiv_reader* reader, const KivProcessStart& event);
   // The default process, which takes what belongs to no known, living process.
   KivProcess(kiv_reader* reader, int divisor);
@@ -49,7 +48,7 @@ class KivProcess {
   // Memory statistics: of the process, and of one allocation id in it. The latter is made on first
   // use with as many colours as the id has then; never null.
   KivStat<std::int64_t>& statistics() { return statistics_; }
-  malid_book* get_mc_stat(std::uint32_t malid);
+  process_malid_stat* get_mc_stat(std::uint32_t malid);
   KivStat<std::int64_t>* get_p_m_stat(std::uint32_t malid) { return &get_mc_stat(malid)->stat; }
   // Null for a colour that the id does not have.
   KivStat<std::int32_t>* get_p_c_stat(std::uint32_t malid, std::uint32_t color) {
@@ -74,7 +73,9 @@ class KivProcess {
 
   // Call flow.
   void s_push(Func_rel* function, std::uint32_t arc) { stack_.push_back({function, arc}); }
-  void s_pop();  // nothing when the stack is empty
+  void s_pop() {  // nothing when the stack is empty
+    if (!stack_.empty()) stack_.pop_back();
+  }
   const Func_context* top() const { return stack_.empty() ? nullptr : &stack_.back(); }
   std::uint32_t stack_depth() const { return static_cast<std::uint32_t>(stack_.size()); }
   std::uint32_t current_arc() const { return stack_.empty() ? 0 : stack_.back().arc; }
@@ -88,7 +89,11 @@ class KivProcess {
   // has to be looked for by find_function() and find_or_add_arc().
   FuncArc* find_repeated_call(const Func_rel& caller, std::uint32_t object_id, std::int32_t number);
   // Counts one more call along the arc; returns its number.
-  std::uint32_t repeat_call(FuncArc& arc);
+  std::uint32_t repeat_call(FuncArc& arc) {
+    ++arc.to->calls;
+    ++arc.count;
+    return static_cast<std::uint32_t>(&arc - arcs_.data());
+  }
   const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
     return number < arcs_.size() ? &arcs_[number] : nullptr;
   }
@@ -145,10 +150,10 @@ class KivProcess {
   kiv_reader* const reader_;
 
   KivStat<std::int64_t> statistics_;
-  absl::flat_hash_map<std::uint32_t, std::unique_ptr<malid_book>> malid_stats_;
+  absl::flat_hash_map<std::uint32_t, object_pool<process_malid_stat>::pointer> malid_stats_;
   // The book asked for last: records of one id often come in a row.
   std::uint32_t latest_malid_ = 0;
-  malid_book* latest_book_ = nullptr;
+  process_malid_stat* latest_book_ = nullptr;
 
   bool stack_started_ = false;
   bool alive_ = true;

@@ -72,4 +72,7 @@ class KivMalidStat {
   }
 };
 
+// The book of one allocation id within one process.
+using process_malid_stat = KivMalidStat<std::int64_t, std::int32_t>;
+
 }  // namespace kiv

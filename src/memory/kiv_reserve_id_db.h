@@ -46,6 +46,12 @@ class KivReserveId_db {
   void free_mem(std::uint32_t id, std::uint64_t tot_size_wf, std::uint64_t tot_size_nf,
                 std::int64_t location, bool reset);
 
+  using process_book_ptr = object_pool<process_malid_stat>::pointer;
+  // A book of the id for a process, with as many colours as the id has now.
+  process_book_ptr make_process_book(std::uint32_t id) {
+    return process_books_.make(get_reserve_id(id)->color_count());
+  }
+
   // Store a block under its id. False when its address is live already.
   bool add_memory(const KivMallocWF& event);
   bool add_memory(const KivMallocNF& event);
@@ -86,6 +92,7 @@ class KivReserveId_db {
 
   kiv_reader* reader_;
   object_pool<KivReserveId> pool_;
+  object_pool<process_malid_stat> process_books_;
   number_table<reserve_id_ptr> ids_;
   std::unique_ptr<KivReserveId> default_id_;
   KivReserveId* current_ = nullptr;  // the id reserved last
