@@ -245,5 +245,24 @@ TEST(Relations, BooksAgreeWithEachOtherInEveryRow) {
   check_rows(run_kiv(dir.path(), {"-R", "MIX"}));
 }
 
+// What a row keeps of its context for the next one must be all of it, wherever its buffer ended.
+TEST(Relations, RowsInOneContextShowItWholeHoweverLongItIs) {
+  trace t;
+  t.reserve(1, "pool").object(3).global(3, 0, "on_open").proc(7, "server").link(7, 3);
+  t.schedule(0, 7);
+  constexpr std::size_t shortest = 1'900, longest = 2'150;
+  for (std::size_t length = shortest; length <= longest; ++length) {
+    t.hosk_in(3, 0, 0, 9, std::string(length, 'h'));
+    for (std::uint32_t i = 0; i < 2; ++i) t.malloc_nf(1, 0, 16, 8, 16);
+  }
+  const table memory = run_trace(t).rows("memory");
+  ASSERT_EQ(memory.size(), 2 * (longest - shortest + 1));
+  for (std::size_t row = 0; row < memory.size(); ++row) {
+    EXPECT_EQ(memory.number(row, "pid"), 7);
+    EXPECT_EQ(memory.text(row, "hosk_call"), "on_open");
+    EXPECT_EQ(memory.text(row, "hosk_args").size(), shortest + row / 2);
+  }
+}
+
 }  // namespace
 }  // namespace kiv::test

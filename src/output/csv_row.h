@@ -95,12 +95,11 @@ class basic_csv_row {
     return *this;
   }
 
-  // How much of the line is in the buffer, and the part behind a place in it; nothing when the
-  // line has outgrown the buffer since.
+  // How much of the line is in the buffer, and the part behind a place in it; nothing once the line
+  // has outgrown the buffer.
   std::size_t length() const { return static_cast<std::size_t>(next_ - buffer_); }
   std::string_view text_from(std::size_t place) const {
-    return place < length() ? std::string_view(buffer_ + place, length() - place)
-                            : std::string_view();
+    return whole_ ? std::string_view(buffer_ + place, length() - place) : std::string_view();
   }
 
   // Ends the line behind the last column, or with one more of a single letter.
@@ -150,7 +149,10 @@ class basic_csv_row {
     }
     write_at(own_);
   }
-  void flush() { end_at(next_); }
+  void flush() {
+    end_at(next_);
+    whole_ = false;
+  }
   // Straight to the buffer: a sentry per row would cost more than the row's shorter columns.
   void hand_over(const char* text, std::size_t length) {
     const auto count = static_cast<std::streamsize>(length);
@@ -172,6 +174,7 @@ class basic_csv_row {
   char* buffer_ = own_;  // where the line is collected
   char* next_ = own_;
   char* full_ = own_ + capacity - 2;  // where next_ may be at most
+  bool whole_ = true;                 // the buffer holds all of the line so far
 };
 
 using csv_row = basic_csv_row<2048>;
