@@ -264,5 +264,17 @@ TEST(Relations, RowsInOneContextShowItWholeHoweverLongItIs) {
   }
 }
 
+// A trace may reserve the number of the id that serves unknown numbers: two ids, one number.
+TEST(Relations, ResetOfAnUnknownIdShowsItsOwnBookWhenItsNumberIsReserved) {
+  trace t;
+  t.reserve(99999999, "mine").malloc_nf(99999999, 0, 16, 100, 112);
+  t.malloc_nf(8, 0, 32, 30, 32).reset_id(8, 0, 32);
+  const table memory = run_trace(t).rows("memory");
+  ASSERT_EQ(memory.size(), 3);
+  EXPECT_EQ(memory.number(2, "malid"), 99999999);
+  EXPECT_EQ(memory.number(2, "tot_size_change"), -32);
+  EXPECT_EQ(memory.number(2, "malid_mem_tot_size"), 32);
+}
+
 }  // namespace
 }  // namespace kiv::test

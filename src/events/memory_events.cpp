@@ -48,14 +48,14 @@ memory_figures KivFreeRealloc::figures() const {
           size, tot_size, addr_free, previous_record_};
 }
 
-KivFRID::KivFRID(kiv_type type, kiv_reader* reader, const KivReserveId& id, std::int64_t location)
+KivFRID::KivFRID(kiv_type type, kiv_reader* reader, KivReserveId& id, std::int64_t location)
     : KivMemory(type, reader), id_(id) {
   location_ = location;
 }
 
 void KivFRID::setelems() {
   record_number_ = reader()->reserve_ids().count_free_of_id();
-  books_ = find_memory_books(*reader(), id_.id, *reader()->cc_curr_proc());
+  books_ = find_memory_books(id_, *reader()->cc_curr_proc());
 }
 
 memory_figures KivFRID::figures() const {

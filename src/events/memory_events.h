@@ -136,7 +136,7 @@ class KivFreeRealloc final : public KivMemory {
 class KivFRID final : public KivMemory {
  public:
   // `type`: of the record that caused it.
-  KivFRID(kiv_type type, kiv_reader* reader, const KivReserveId& id, std::int64_t location);
+  KivFRID(kiv_type type, kiv_reader* reader, KivReserveId& id, std::int64_t location);
   // Reads nothing; takes the next memory record number.
   void setelems() override;
   void traceevent(std::ostream& os) const override;
@@ -144,7 +144,7 @@ class KivFRID final : public KivMemory {
  private:
   memory_figures figures() const override;
 
-  const KivReserveId& id_;
+  KivReserveId& id_;
 };
 
 }  // namespace kiv

@@ -6,10 +6,10 @@
 
 namespace kiv {
 
-memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, KivProcess& process) {
+memory_books find_memory_books(KivReserveId& id, KivProcess& process) {
   memory_books books;
-  books.reserve_id = reader.reserve_ids().get_reserve_id(id);
-  books.process = {&process.statistics(), &process.get_mc_stat(id)->stat, nullptr};
+  books.reserve_id = &id;
+  books.process = {&process.statistics(), &process.get_mc_stat(id.id)->stat, nullptr};
   return books;
 }
 

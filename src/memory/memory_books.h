@@ -51,7 +51,7 @@ struct memory_books {
 // counts: unknown numbers share the default id, but each has a book of its own in the process.
 memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, std::uint32_t color,
                                KivProcess& process);
-// The same for a record about all colours of an id.
-memory_books find_memory_books(kiv_reader& reader, std::uint32_t id, KivProcess& process);
+// The same for a record about all colours of `id` itself, whatever its number leads to by now.
+memory_books find_memory_books(KivReserveId& id, KivProcess& process);
 
 }  // namespace kiv
