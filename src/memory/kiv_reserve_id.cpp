@@ -121,9 +121,7 @@ void KivReserveId::report_colors(bool no_free_memory) const {
 }
 
 void KivReserveId::columns(csv_row& row) const {
-  const auto cut = [](const std::string& text, std::size_t length) {
-    return std::string_view(text).substr(0, length);
-  };
+  const auto cut = [](std::string_view text, std::size_t length) { return text.substr(0, length); };
   row.col(id).col(location).col(reserve_type);
   row.col(cut(category, 10)).col(cut(description, 300)).col(cut(reference, 200));
   row.col(default_size).col(start_time).col(end_time).col(start_record).col(end_record);

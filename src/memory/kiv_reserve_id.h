@@ -4,6 +4,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "events/kiv_event.h"
 #include "header/moment_text.h"
@@ -55,7 +56,7 @@ class KivReserveId final : public KivContext {
   std::uint64_t start_record = 0;
   std::uint64_t end_record = 0;
   bool active = false;
-  std::string category = "general";
+  std::string_view category = "general";  // of static storage, as all its values are
   std::string description;
   std::string reference;
 

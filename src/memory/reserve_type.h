@@ -5,12 +5,12 @@
 
 namespace kiv {
 
-// What the text of a reservation says about its allocation id. Looks into the text. A part that
-// the text does not give has no value.
+// What the text of a reservation says about its allocation id. Looks into the text but for the
+// category. A part that the text does not give has no value.
 struct reserve_class {
   enum class process_link : std::uint8_t { none, mal, xml };
 
-  std::string_view category;  // empty: the text is of no known kind
+  std::string_view category;  // a static text; empty: the text is of no known kind
   bool has_description = false;
   std::string_view description;
   bool has_reference = false;
