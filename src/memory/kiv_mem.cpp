@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "analysis/kiv_hashloc.h"
+#include "memory/freemem_row.h"
 #include "memory/kiv_reserve_id_db.h"
-#include "output/csv_row.h"
 #include "reader/kiv_reader.h"
 
 namespace kiv {
@@ -110,8 +110,7 @@ void KivMem<T>::clear_all_mem(std::uint32_t color_count, bool verbose, kiv_type 
       all.add(block);
       by_color[block.color].add(block);
     }
-    csv_row row(reader_->table(replay_table::freemem));
-    row.raw(reader_->run_columns()).cols(block.record, cause).end_line(static_cast<char>(type));
+    write_freemem_row(*reader_, block.record, cause, type);
     pool_->release(handle);
   }
   if (verbose) report_sums(all, by_color, color_count);

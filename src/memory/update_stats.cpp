@@ -7,6 +7,7 @@
 
 #include "analysis/kiv_process.h"
 #include "events/memory_events.h"
+#include "memory/freemem_row.h"
 #include "memory/kiv_reserve_id_db.h"
 #include "memory/modular.h"
 #include "reader/kiv_reader.h"
@@ -17,11 +18,6 @@ namespace {
 
 void report_address(const char* message, std::int64_t addr) {
   std::cout << fmt::format("{}{:x}\n", message, static_cast<std::uint64_t>(addr));
-}
-
-void write_freemem_row(kiv_reader& reader, std::uint64_t ended, std::uint64_t cause, char type) {
-  csv_row row(reader.table(replay_table::freemem));
-  row.raw(reader.run_columns()).cols(ended, cause).end_line(type);
 }
 
 std::int32_t difference(std::uint32_t larger, std::uint32_t smaller) {
@@ -76,7 +72,7 @@ std::uint64_t KivFree::update_stats() {
   }
   books_.process.update_fr(size_, tot_size_);
   const std::uint64_t record = reader()->reserve_ids().update_fr(size_, tot_size_);
-  if (freed_record_ != 0) write_freemem_row(*reader(), freed_record_, record, 'f');
+  if (freed_record_ != 0) write_freemem_row(*reader(), freed_record_, record, type());
   return record;
 }
 
@@ -117,7 +113,7 @@ std::uint64_t KivFreeRealloc::update_stats() {
   block->tot_size = tot_size;
   previous_record_ = block->record;
   block->record = record;
-  write_freemem_row(*reader(), previous_record_, record, 'r');
+  write_freemem_row(*reader(), previous_record_, record, type());
   return record;
 }
 
