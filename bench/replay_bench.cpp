@@ -6,21 +6,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
-#include <memory>
-#include <sstream>
 #include <string>
 
-#include "analysis/kiv_process.h"
-#include "driver/process_file.h"
-#include "events/memory_events.h"
-#include "header/xml_parser.h"
 #include "make_trace.h"
-#include "memory/kiv_reserve_id_db.h"
-#include "output/csv_file_sequence.h"
-#include "output/sql_script.h"
-#include "reader/event_loop.h"
-#include "reader/kiv_reader.h"
+#include "replay/kiv_reader.h"
+#include "tables/kiv_tables.h"
+#include "tables/run_output.h"
+#include "trace/decode.h"
+#include "trace/diagnostics.h"
+#include "trace/file_source.h"
+#include "trace/xml_parser.h"
 
 namespace kiv::bench {
 
@@ -64,51 +59,29 @@ std::uint64_t bytes_of_tables(const std::string& directory) {
   return bytes;
 }
 
-// Standard output and error stream, thrown away meanwhile.
-class silence {
- public:
-  silence() : out_(std::cout.rdbuf(nothing_.rdbuf())), err_(std::cerr.rdbuf(nothing_.rdbuf())) {}
-  ~silence() {
-    std::cout.rdbuf(out_);
-    std::cerr.rdbuf(err_);
-  }
+// What the stages share: a parsed header, books to be filled and nobody who listens to messages.
+struct replay_of {
+  explicit replay_of(const workload& work) : header(parser) { header.read_header(work.header_path()); }
 
- private:
-  std::ostringstream nothing_;
-  std::streambuf* out_;
-  std::streambuf* err_;
-};
-
-// A reader whose tables cannot be opened: rows are put together and thrown away.
-class reader_without_files {
- public:
-  explicit reader_without_files(const workload& work)
-      : parser_(startElement, endElement, dataElement, nullptr),
-        sequence_("csv"),
-        script_("sql"),
-        reader_(&parser_, &sequence_, &script_, "/nonexistent", work.header_path().c_str(), "",
-                true, 0x40000000) {}
-  kiv_reader& get() { return reader_; }
-
- private:
-  XmlParser parser_;
-  csv_file_sequence sequence_;
-  sql_script script_;
-  kiv_reader reader_;
+  diagnostics silent;
+  run_context context{silent};
+  XmlParser parser{silent};
+  kiv_hdr header;
+  disk_files disk;
 };
 
 // Reads the numbers of every record and does nothing with them.
-void decode(const workload& work) {
-  reader_without_files holder(work);
-  kiv_reader& reader = holder.get();
-  data_files& files = reader.files();
+void decode_only(const workload& work) {
+  replay_of trace(work);
+  const record_layout layout(trace.header);
+  data_files files(trace.header.files(), trace.header.little_endian(), trace.disk, trace.silent);
   if (!files.rd_open()) std::abort();
   std::int64_t sum = 0;
   while (!files.eof()) {
     record_cursor& cursor = files.cursor();
     const kiv_type type = to_kiv_type(cursor.read_tag());
     cursor.read_size();
-    const std::uint32_t* widths = reader.layout().widths(type);
+    const std::uint32_t* widths = layout.widths(type);
     for (; *widths != 0; ++widths) {
       std::int64_t value = 0;
       cursor.read(*widths, value);
@@ -119,73 +92,35 @@ void decode(const workload& work) {
   benchmark::DoNotOptimize(sum);
 }
 
-template <class Event>
-void decode_and_book(kiv_reader& reader) {
-  Event event(&reader);
-  event.setelems();
-  if constexpr (requires { reader.reserve_ids().add_memory(event); }) {
-    reader.reserve_ids().add_memory(event);
-  }
+// Books every record, with an observer that ignores what happens.
+void with_books(const workload& work) {
+  replay_of trace(work);
+  replay_observer nobody;
+  kiv_reader(trace.context, trace.header, trace.disk).ReadEvents(nobody);
 }
 
-// Books every record; memory records, nearly all of the memory-heavy trace, write no row.
-void decode_and_books(const workload& work) {
-  reader_without_files holder(work);
-  kiv_reader& reader = holder.get();
-  if (!reader.files().rd_open()) std::abort();
-  event_loop loop(reader);
-  while (!reader.files().eof()) {
-    record_cursor& cursor = reader.files().cursor();
-    const kiv_type type = to_kiv_type(cursor.read_tag());
-    cursor.read_size();
-    switch (type) {
-      case kiv_e_malloc_wf:
-        decode_and_book<KivMallocWF>(reader);
-        break;
-      case kiv_e_malloc_nf:
-        decode_and_book<KivMallocNF>(reader);
-        break;
-      case kiv_e_free:
-        decode_and_book<KivFree>(reader);
-        break;
-      case kiv_e_free_realloc:
-        decode_and_book<KivFreeRealloc>(reader);
-        break;
-      default:
-        loop.handle(type);
-        break;
-    }
-    cursor.go_to_record_end();
-  }
-}
-
-void with_text(const workload& work) {
-  reader_without_files holder(work);
-  holder.get().ReadEvents();
-}
-
-void with_files(const workload& work) {
-  csv_file_sequence sequence("csv");
-  sql_script script("sql");
-  process_file(&sequence, &script, work.directory.c_str(), work.header.c_str(), "", true,
-               0x40000000);
+void with_tables(const workload& work) {
+  replay_of trace(work);
+  open_files files;
+  run_output output(trace.context, files);
+  kiv_reader reader(trace.context, trace.header, trace.disk);
+  kiv_tables tables(reader, output, work.directory, "", true, 0x40000000);
+  reader.ReadEvents(tables);
+  tables.write_end_tables();
 }
 
 void run(benchmark::State& state, const workload& work, void (*stage)(const workload&)) {
-  const silence quiet;
   // The first run may pay for memory that a virtual machine's host has yet to hand out.
-  counters = {};
   stage(work);
   for ([[maybe_unused]] auto step : state) {
-    counters = {};
-    stage(work);
+      stage(work);
   }
   const auto records = static_cast<double>(work.records);
   state.counters["records/s"] =
       benchmark::Counter(records, benchmark::Counter::kIsIterationInvariantRate);
   state.counters["per record"] = benchmark::Counter(
       records, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-  if (stage == with_files) {
+  if (stage == with_tables) {
     state.counters["MB out"] =
         benchmark::Counter(static_cast<double>(bytes_of_tables(work.directory)) * 1e-6,
                            benchmark::Counter::kIsIterationInvariantRate);
@@ -196,10 +131,8 @@ void register_stages(const std::string& name, const workload& work) {
   const struct {
     const char* name;
     void (*stage)(const workload&);
-  } stages[] = {{"decode", decode},
-                {"decode and books", decode_and_books},
-                {"with text", with_text},
-                {"with files", with_files}};
+  } stages[] = {
+      {"decode", decode_only}, {"decode and books", with_books}, {"with tables", with_tables}};
   for (const auto& one : stages) {
     benchmark::RegisterBenchmark((name + "/" + one.name).c_str(), [=](benchmark::State& state) {
       run(state, work, one.stage);

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 
 namespace {
 

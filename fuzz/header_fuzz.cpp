@@ -1,35 +1,28 @@
 // Header files: any bytes are parsed into the header model, which is then asked and listed.
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <sstream>
 #include <string>
+#include <string_view>
 
-#include "header/kiv_hdr.h"
-#include "header/xml_parser.h"
-#include "output/csv_file_sequence.h"
-#include "quiet.h"
-#include "reader/record_layout.h"
-#include "settings.h"
+#include "kiv/stream_diagnostics.h"
+#include "tables/csv_names.h"
+#include "trace/kiv_hdr.h"
+#include "trace/record_layout.h"
+#include "trace/xml_parser.h"
 
 namespace kiv::fuzz {
 namespace {
 
-void parse(const unsigned char* bytes, std::size_t size) {
-  const int file = memfd_create("header", 0);
-  if (file < 0 || write(file, bytes, size) != static_cast<ssize_t>(size)) std::abort();
-  const std::string path = "/proc/self/fd/" + std::to_string(file);
-
-  debug_level = size % 2;
+void parse(std::string_view document) {
+  std::ostringstream messages;
+  const int debug_level = static_cast<int>(document.size() % 2);
+  stream_diagnostics faults(debug_level, messages, messages);
+  XmlParser parser(faults);
   {
-    XmlParser parser(startElement, endElement, dataElement, nullptr);
-    kiv_hdr header(&parser, path.c_str(), "");
-    header.read_header();
+    kiv_hdr header(parser);
+    header.read_document(document, "header");
     header.dump_entries();
-    std::ostringstream line;
-    line << header;
     const record_layout layout(header);
     for (int tag = -128; tag < 128; ++tag) {
       if (header.get_elem_size(tag, 0) < 0) std::abort();
@@ -37,15 +30,13 @@ void parse(const unsigned char* bytes, std::size_t size) {
     const std::string name = safe_runid(header.runid());
     if (name.find('/') != std::string::npos || name.size() > 200) std::abort();
   }
-  if (!el_stack.empty()) std::abort();
-  close(file);
+  if (!parser.elements().empty()) std::abort();
 }
 
 }  // namespace
 }  // namespace kiv::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
-  static const kiv::fuzz::quiet_streams quiet;
-  kiv::fuzz::parse(bytes, size);
+  kiv::fuzz::parse({reinterpret_cast<const char*>(bytes), size});
   return 0;
 }

@@ -1,69 +1,53 @@
-// Whole traces: any bytes as the records of a trace, replayed in a private directory.
+// Whole traces: any bytes as the records of a trace, replayed from memory. The tables are put
+// together and thrown away: their directory does not exist.
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
+#include <sstream>
+#include <string>
 
-#include "driver/process_file.h"
-#include "output/csv_file_sequence.h"
-#include "output/sql_script.h"
-#include "quiet.h"
-#include "settings.h"
+#include "kiv/stream_diagnostics.h"
+#include "replay/kiv_reader.h"
+#include "tables/kiv_tables.h"
+#include "tables/run_output.h"
+#include "trace/file_source.h"
+#include "trace/kiv_hdr.h"
+#include "trace/xml_parser.h"
 #include "trace_input.h"
 
 namespace kiv::fuzz {
 namespace {
 
-namespace fs = std::filesystem;
+const std::string nowhere = "/nonexistent";
 
-class scratch_directory {
- public:
-  scratch_directory() {
-    const bool in_memory = fs::is_directory("/dev/shm");
-    path_ = (in_memory ? fs::path("/dev/shm") : fs::temp_directory_path()) / "kiv_fuzz_XXXXXX";
-    if (mkdtemp(path_.data()) == nullptr) std::abort();
-  }
-  ~scratch_directory() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  scratch_directory(const scratch_directory&) = delete;
-  scratch_directory& operator=(const scratch_directory&) = delete;
-
-  const std::string& path() const { return path_; }
-  std::string write(const char* name, std::string_view bytes) const {
-    const std::string path = path_ + "/" + name;
-    std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
-    return path;
-  }
-
- private:
-  std::string path_;
-};
+std::span<const unsigned char> as_bytes(std::string_view text) {
+  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
 
 void replay(const trace_input& input) {
-  static const scratch_directory directory;
   const std::size_t cut = input.two_files ? input.records.size() / 2 : input.records.size();
-  const std::string first = directory.write("first.kivdat", input.records.substr(0, cut));
-  const std::string second = directory.write("second.kivdat", input.records.substr(cut));
-  directory.write("trace.kivhdr", input.header(first, second));
+  memory_files files;
+  files.add("first", as_bytes(input.records.substr(0, cut)));
+  files.add("second", as_bytes(input.records.substr(cut)));
 
-  counters = {};
-  debug_level = input.listed ? 2 : 0;
-  csv_file_sequence sequence("csv");
-  sql_script script("sql");
+  std::ostringstream messages;
+  stream_diagnostics faults(input.listed ? 2 : 0, messages, messages);
+  run_context context(faults);
+  open_files written;
+  run_output output(context, written);
+  XmlParser parser(faults);
+  kiv_hdr header(parser);
+  if (header.read_document(input.header("first", "second"), "header") != 0) std::abort();
+  kiv_reader reader(context, header, files);
   constexpr int small = 2000, unlimited = 1 << 30;
-  const int result = process_file(&sequence, &script, directory.path().c_str(), "trace.kivhdr", "",
-                                  true, input.small_files ? small : unlimited);
-  if (result != 0) std::abort();
+  kiv_tables tables(reader, output, nowhere, "", true, input.small_files ? small : unlimited);
+  reader.ReadEvents(tables);
+  tables.write_end_tables();
 }
 
 }  // namespace
 }  // namespace kiv::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
-  static const kiv::fuzz::quiet_streams quiet;
   kiv::fuzz::replay(kiv::fuzz::trace_input::from({reinterpret_cast<const char*>(bytes), size}));
   return 0;
 }

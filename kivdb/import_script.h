@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 
 namespace kiv::db {
 

@@ -5,7 +5,7 @@
 
 #include "block_groups.h"
 #include "csv_reader.h"
-#include "output/csv_file_sequence.h"
+#include "tables/csv_names.h"
 #include "printable.h"
 #include "row_stream.h"
 #include "table_writer.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 #include "separators.h"
 
 namespace kiv::db {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 
 namespace kiv::db {
 

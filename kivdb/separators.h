@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 
 namespace kiv::db {
 

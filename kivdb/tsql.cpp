@@ -1,6 +1,6 @@
 #include "tsql.h"
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 #include "schema.h"
 #include "views.h"
 

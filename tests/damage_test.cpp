@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "output/csv_tables.h"
-#include "reader/record_cursor.h"
 #include "same_tables.h"
 #include "support/run_trace.h"
 #include "support/stories.h"
+#include "tables/csv_tables.h"
+#include "trace/record_cursor.h"
 
 // Traces that are cut off, flipped or full of impossible numbers.
 

@@ -4,11 +4,12 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "driver/options.h"
-#include "driver/terminate.h"
-#include "output/csv_filebuf.h"
+#include "kiv/options.h"
+#include "kiv/terminate.h"
 #include "support/run_trace.h"
 #include "support/trace_builder.h"
+#include "tables/csv_filebuf.h"
+#include "trace/diagnostics.h"
 
 namespace kiv {
 namespace {
@@ -166,9 +167,12 @@ TEST(Driver, AFileSizeLimitIsAFailedWriteAndTheRunGoesOn) {
 TEST(Driver, TheTerminateHandlerSavesWhatWasWritten) {
   const test::temp_dir dir;
   const auto die = [&dir] {
-    csv_filebuf file;
+    diagnostics silent;
+    open_files files;
+    const saved_on_termination saved(files);
+    csv_filebuf file(files, silent);
     file.open(dir / "table", true);
-    file.sputn("row\n", 4);
+    file.write("row\n");
     kiv_terminate_handler();
   };
   EXPECT_EXIT(die(), ::testing::KilledBySignal(SIGABRT),

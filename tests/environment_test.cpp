@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "output/csv_tables.h"
+#include "tables/csv_tables.h"
 #include "support/run_trace.h"
 #include "support/trace_builder.h"
 

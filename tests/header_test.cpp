@@ -2,16 +2,15 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
+#include <memory>
 #include <random>
+#include <sstream>
 
-#include "captured.h"
-#include "header/kiv_hdr.h"
-#include "header/time_text.h"
-#include "header/xml_parser.h"
-#include "settings.h"
+#include "kiv/stream_diagnostics.h"
 #include "support/run_trace.h"
-#include "support/trace_builder.h"
+#include "trace/kiv_hdr.h"
+#include "trace/xml_parser.h"
+#include "util/time_text.h"
 
 namespace kiv {
 namespace {
@@ -34,29 +33,22 @@ class zone_guard {
   std::string before_;
 };
 
-// Reads a header file with the given content.
+// Reads a header with the given content.
 struct parsed {
-  explicit parsed(std::string_view document, int level = 0) : path(dir / "x.kivhdr") {
-    EXPECT_TRUE(test::write_file(path, document));
-    const test::captured errors(std::cerr);
-    debug_level = level;
-    header.emplace(&parser, path.c_str(), "what it was for");
-    result = header->read_header();
-    debug_level = 0;
-    err = errors.text();
+  explicit parsed(std::string_view document, int level = 0)
+      : faults(level, out, err), parser(faults), header(std::make_unique<kiv_hdr>(parser)) {
+    result = header->read_document(document, "x.kivhdr");
   }
 
-  const test::temp_dir dir;
-  std::string path;
-  XmlParser parser{startElement, endElement, dataElement, nullptr};
-  std::optional<kiv_hdr> header;
+  std::ostringstream out, err;
+  stream_diagnostics faults;
+  XmlParser parser;
+  std::unique_ptr<kiv_hdr> header;
   int result = -1;
-  std::string err;
 };
 
 TEST(Header, ValuesCountByPositionAndMissingOnesChangeNothing) {
-  const zone_guard utc("UTC");
-  parsed p(R"(<?xml version="1.0" encoding="ISO-8859-1"?><kiv>
+  const parsed p(R"(<?xml version="1.0" encoding="ISO-8859-1"?><kiv>
       <version any="1"/><filetype x="bin" y="asc"/><pid value="12 3"/><pid/>
       <m_entry size=" 16x"/><mem_block size="99999999999"/><m_group size="-99999999999"/>
       <time_start nsecs="5" secs="7000000"/><time_end secs="-1"/>
@@ -69,22 +61,25 @@ TEST(Header, ValuesCountByPositionAndMissingOnesChangeNothing) {
   EXPECT_EQ(p.header->filetype(), "bin");
   EXPECT_EQ(p.header->pid(), 12);
   EXPECT_FALSE(p.header->little_endian());
-  EXPECT_EQ(p.header->start_secs(), 5);
-  std::ostringstream row;
-  row << *p.header;
-  EXPECT_EQ(row.str(),
-            "r;12;1970-01-01 00:00:05.007;1969-12-31 23:59:59.000;p;l;a;\xC3\xA4;u;"
-            "what it was for;16;2147483647;-2147483648");
-  EXPECT_TRUE(el_stack.empty());
+  EXPECT_EQ(p.header->start().secs, 5);
+  EXPECT_EQ(p.header->start().nsecs, 7'000'000);
+  EXPECT_EQ(p.header->end().secs, -1);
+  EXPECT_EQ(p.header->runid() + p.header->user() + p.header->lom() + p.header->pacc(), "rula");
+  EXPECT_EQ(p.header->hostname(), "\xC3\xA4");
+  EXPECT_EQ(p.header->m_entry_size(), 16);
+  EXPECT_EQ(p.header->mem_block_size(), 2147483647);
+  EXPECT_EQ(p.header->m_group_size(), -2147483648);
+  EXPECT_TRUE(p.header->closed());
 }
 
 TEST(Header, WidthsOfTheLastDefinitionOfATag) {
-  parsed p(R"(<kiv><entry tag="a" name="n" desc="d"><elem name="x" size="8"/></entry>
+  const char* document = R"(<kiv><entry tag="a" name="n" desc="d"><elem name="x" size="8"/></entry>
       <entry tag="a" name="n2"><elem name="addr" size="4"/><elem name="tot" size="-3"/>
         <elem name="none"/><format fmt="%u"/></entry>
       <entry tag="&#228;"><elem name="y" size="2"/></entry><entry/>
       <kivfile><file value="./d"/><size value="77"/></kivfile>
-      <kivfile><size value="-1"/></kivfile></kiv>)");
+      <kivfile><size value="-1"/></kivfile></kiv>)";
+  const parsed p(document);
   const struct {
     int type, index, width;
   } cases[] = {{'a', 0, 4}, {'a', 1, 0}, {'a', 2, 0}, {'a', 3, 0},       {'a', -1, 0},
@@ -96,18 +91,16 @@ TEST(Header, WidthsOfTheLastDefinitionOfATag) {
   EXPECT_EQ(p.header->files()[0]->size(), 77);
   EXPECT_EQ(p.header->files()[1]->size(), 0);
 
-  const test::captured out(std::cout), errors(std::cerr);
   p.header->dump_entries();
-  EXPECT_EQ(out.text() + errors.text(), "");
-  debug_level = 1;
-  p.header->dump_entries();
-  debug_level = 0;
-  EXPECT_EQ(out.text(),
+  EXPECT_EQ(p.out.str() + p.err.str(), "");
+  const parsed listed(document, 1);
+  listed.header->dump_entries();
+  EXPECT_EQ(listed.out.str(),
             "  name: x size: 8\n  name: addr size: 4\n  name: tot size: -3\n"
             "  name: none size: 0\n  name: y size: 2\n");
-  EXPECT_EQ(errors.text(),
+  EXPECT_TRUE(listed.err.str().ends_with(
             "tag: 97 entry_name: n\n desc: d format: \ntag: 97 entry_name: n2\n desc:  format: %u\n"
-            "tag: -61 entry_name: \n desc:  format: \ntag: 0 entry_name: \n desc:  format: \n");
+            "tag: -61 entry_name: \n desc:  format: \ntag: 0 entry_name: \n desc:  format: \n"));
 }
 
 TEST(Header, ResultsAndMessages) {
@@ -116,33 +109,34 @@ TEST(Header, ResultsAndMessages) {
     int result;
     std::string message;  // without the path
     int version;
+    bool closed = false;
   } cases[] = {
-      {"<kiv><version v='1'/></kiv>", 0, "", 1},
+      {"<kiv><version v='1'/></kiv>", 0, "", 1, true},
       {"<kiv><version v='1'/><kivfile><fi", 0, "", 1},  // the writer is still at it
       {"<kiv><entry tag='a'>", 0, "", 0},
       {"", 2, "no kiv element in header file ", 0},
       {"<other><version v='1'/></other>", 2, "no kiv element in header file ", 1},
       {"<kiv><version v='1'/>\n<pid x=1/>", 2, "not well-formed (invalid token) at line 2", 1},
-      {"<kiv/><kiv/>", 2, "junk after document element at line 1", 0},
+      {"<kiv/><kiv/>", 2, "junk after document element at line 1", 0, true},
       // A nested root's end closes the model; the rest goes nowhere.
-      {"<kiv><kiv><version v='1'/></kiv><version v='2'/></kiv>", 0, "", 1},
+      {"<kiv><kiv><version v='1'/></kiv><version v='2'/></kiv>", 0, "", 1, true},
   };
   for (const auto& c : cases) {
-    {
-      parsed p(c.document);
-      EXPECT_EQ(p.result, c.result) << c.document;
-      EXPECT_EQ(p.header->version(), c.version) << c.document;
-      const bool names_file = c.message.ends_with("file ");
-      const std::string end = c.message.empty() ? "" : names_file ? p.path + "\n" : "\n";
-      EXPECT_EQ(p.err, c.message + end) << c.document;
-    }
-    EXPECT_TRUE(el_stack.empty()) << c.document;
+    parsed p(c.document);
+    EXPECT_EQ(p.result, c.result) << c.document;
+    EXPECT_EQ(p.header->version(), c.version) << c.document;
+    const bool names_file = c.message.ends_with("file ");
+    const std::string end = c.message.empty() ? "" : names_file ? "x.kivhdr\n" : "\n";
+    EXPECT_EQ(p.err.str(), c.message + end) << c.document;
+    EXPECT_EQ(p.header->closed(), c.closed) << c.document;
+    p.header.reset();
+    EXPECT_TRUE(p.parser.elements().empty()) << c.document;
   }
 }
 
 TEST(Header, DebugLinesFollowTheStack) {
   const parsed p("<kiv><foo/><kivfile><foo/></kivfile><entry tag='a'><foo/>x</entry></kiv>", 1);
-  EXPECT_EQ(p.err,
+  EXPECT_EQ(p.err.str(),
             "\t\tpush kiv_hdr\n"
             "startElement:  'kiv' from 'kiv_hdr'\n>tag: kiv\n"
             "startElement:  'foo' from 'kiv_hdr'\n>tag: foo\n"
@@ -182,15 +176,15 @@ TEST(TimeText, ClockAgreesWithTheCLibraryInEveryZone) {
       char date[64], expected[80];
       std::strftime(date, sizeof date, "%Y-%m-%d %H:%M:%S", &local);
       std::snprintf(expected, sizeof expected, "%s.%03u", date, nsec / 1'000'000);
-      ASSERT_EQ(clock.text(secs, nsec), expected) << zone << ' ' << secs;
-      ASSERT_EQ(time_text(secs, nsec), expected) << zone << ' ' << secs;
+      ASSERT_EQ(clock.text({secs, nsec}), expected) << zone << ' ' << secs;
+      ASSERT_EQ(time_text({secs, nsec}), expected) << zone << ' ' << secs;
     }
   }
   const zone_guard utc("UTC");
-  EXPECT_EQ(time_text(-1, -5'000'000), "1969-12-31 23:59:59.-05");
+  EXPECT_EQ(time_text({-1, -5'000'000}), "1969-12-31 23:59:59.-05");
   minute_clock clock;
-  EXPECT_EQ(clock.text(0xffffffffU, 0), "2106-02-07 06:28:15.000");
-  EXPECT_EQ(clock.text(5, 0), "1970-01-01 00:00:05.000");  // not the next second of that minute
+  EXPECT_EQ(clock.text({0xffffffffU, 0}), "2106-02-07 06:28:15.000");
+  EXPECT_EQ(clock.text({5, 0}), "1970-01-01 00:00:05.000");  // not the next second of that minute
 }
 
 }  // namespace

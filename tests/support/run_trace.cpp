@@ -16,36 +16,29 @@
 #include <iterator>
 #include <sstream>
 
-#include "driver/kiv_main.h"
-#include "driver/process_file.h"
-#include "output/csv_file_sequence.h"
-#include "output/csv_tables.h"
-#include "output/sql_script.h"
-#include "settings.h"
+#include "kiv/kiv_main.h"
+#include "kiv/process_file.h"
+#include "kiv/stream_diagnostics.h"
+#include "tables/csv_tables.h"
+#include "tables/run_output.h"
+#include "trace/file_source.h"
 
 namespace kiv::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-// Gives a run fresh settings, counters, streams and a working directory, and puts all of it back.
+// Gives a run streams of its own and a working directory, and puts both back.
 class run_guard {
  public:
   explicit run_guard(const std::string& cwd) : cwd_(fs::current_path()) {
     fs::current_path(cwd);
     setenv("TZ", "UTC", 1);
     tzset();
-    debug_level = 0;
-    data_sep = fun_sep = ';';
-    counters = {};
   }
   ~run_guard() {
     std::cout.rdbuf(out_buffer_);
     std::cerr.rdbuf(err_buffer_);
-    debug_level = debug_level_;
-    data_sep = data_sep_;
-    fun_sep = fun_sep_;
-    counters = counters_;
     fs::current_path(cwd_);
   }
   run_guard(const run_guard&) = delete;
@@ -55,9 +48,6 @@ class run_guard {
 
  private:
   fs::path cwd_;
-  int debug_level_ = debug_level;
-  char data_sep_ = data_sep, fun_sep_ = fun_sep;
-  run_counters counters_ = counters;
   std::ostringstream out_, err_;
   std::streambuf* out_buffer_ = std::cout.rdbuf(out_.rdbuf());
   std::streambuf* err_buffer_ = std::cerr.rdbuf(err_.rdbuf());
@@ -234,13 +224,17 @@ run_result run_trace(const trace& t, std::vector<std::string> args) {
 run_result run_in_order(const std::string& cwd, const std::vector<std::string>& headers,
                         int size_limit) {
   run_result result = called(cwd, [&] {
-    csv_file_sequence sequence("csv");
-    sql_script script("sql");
+    stream_diagnostics faults(0, std::cout, std::cerr);
+    run_context context(faults);
+    open_files files;
+    run_output output(context, files);
+    disk_files disk;
+    const trace_options options{"in order", size_limit};
     int worst = 0;
     bool first = true;
     for (const std::string& header : headers) {
-      worst = std::max(worst, process_file(&sequence, &script, ".", header.c_str(), "in order",
-                                           std::exchange(first, false), size_limit));
+      worst = std::max(
+          worst, process_file(output, disk, ".", header, options, std::exchange(first, false)));
     }
     return worst;
   });

@@ -52,7 +52,7 @@ struct run_result {
 };
 
 // Runs the analyser in the directory `cwd`: called in this process, which is fast and seen by
-// sanitizers (settings, counters and streams are put back afterwards), or, when a path is given,
+// sanitizers (the streams are put back afterwards), or, when a path is given,
 // as that program. The time zone is UTC either way.
 run_result run_kiv(const std::string& cwd, const std::vector<std::string>& args,
                    const std::string& program = {});

@@ -1,0 +1,38 @@
+#include "replay/kiv_oip.h"
+
+#include "replay/kiv_object.h"
+#include "trace/diagnostics.h"
+
+namespace kiv {
+
+KivOip::KivOip(const KivObject& object) {
+  functions_.functions = &object.functions;
+  globals_.functions = &object.globals;
+}
+
+void KivOip::fill_func_tables() {
+  for (table* one : {&functions_, &globals_}) {
+    one->size = one->functions->size();
+    one->announcements = one->functions->announcements();
+  }
+  filled_ = true;
+}
+
+Func_rel* KivOip::find_function(std::int32_t number, bool global, diagnostics& faults) {
+  if (!filled_) fill_func_tables();
+  table& wanted = global ? globals_ : functions_;
+  const auto place = static_cast<std::uint32_t>(number);
+  if (Func_rel* known = wanted.relations.find(place)) return known;
+  if (number < 0) {
+    faults.function_number_negative(number);
+    return nullptr;
+  }
+  if (static_cast<std::size_t>(number) >= wanted.size) {
+    faults.function_number_unknown(number);
+    return nullptr;
+  }
+  const Func_loc* location = wanted.functions->find(number, wanted.announcements);
+  return &wanted.relations.assign(place, std::make_unique<Func_rel>(location));
+}
+
+}  // namespace kiv

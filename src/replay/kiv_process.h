@@ -1,0 +1,179 @@
+#pragma once
+
+#include <absl/container/btree_map.h>
+#include <absl/container/flat_hash_map.h>
+#include <absl/container/inlined_vector.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "replay/call_graph.h"
+#include "replay/event_context.h"
+#include "replay/kiv_malid_stat.h"
+#include "replay/kiv_oip.h"
+#include "replay/kiv_symbol.h"
+#include "util/moment.h"
+#include "util/number_table.h"
+#include "util/object_pool.h"
+
+namespace kiv {
+
+class KivObject;
+class KivReserveId_db;
+class diagnostics;
+struct KivProcessStart;
+
+// One traced process: who it is, its memory statistics, and while it lives its linked objects,
+// call stack, arcs and symbols.
+class KivProcess {
+ public:
+  // `main_pid`: of the trace. `ids` has the books of allocation ids made.
+  KivProcess(const KivProcessStart& event, std::uint32_t main_pid, KivReserveId_db& ids,
+             diagnostics& faults);
+  // The default process, which takes what belongs to no known, living process.
+  KivProcess(KivReserveId_db& ids, diagnostics& faults);
+
+  std::uint32_t main_pid() const { return main_pid_; }
+  std::uint32_t pid() const { return pid_; }
+  std::uint32_t parent() const { return parent_; }
+  const std::string& session_name() const { return session_name_; }
+  bool alive() const { return alive_; }
+  // The allocation ids that name the process in their reservations; 0 when none does.
+  std::uint32_t mal_id() const { return mal_id_; }
+  std::uint32_t xml_id() const { return xml_id_; }
+  void set_mal_id(std::uint32_t id) { mal_id_ = id; }
+  void set_xml_id(std::uint32_t id) { xml_id_ = id; }
+
+  // When it began and ended: the time, and the record counter then.
+  struct end_point {
+    moment time;
+    std::uint64_t record = 0;
+  };
+  const end_point& start() const { return start_; }
+  const end_point& end() const { return end_; }
+  void set_start(const end_point& at) { start_ = at; }
+  void set_end(const end_point& at) { end_ = at; }
+
+  // Memory statistics: of the process, and of one allocation id in it. The latter is made on first
+  // use with as many colours as the id has then; never null.
+  KivStat<std::int64_t>& statistics() { return statistics_; }
+  process_malid_stat* get_mc_stat(std::uint32_t malid);
+  // An allocation id gives back its with-free (no-free) memory as a whole.
+  void release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size);
+  void release_nf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size);
+
+  // Code.
+  void add_special(std::int32_t number, std::string_view name);
+  // Links an object under an id, whichever object stands for that id now.
+  void link_oip(std::uint32_t object_id, const KivObject& object);
+  KivOip* find_oip(std::uint32_t object_id) const {  // null when the object is not linked
+    return oips_.find(object_id);
+  }
+  // A special for numbers up to 0, else a function of a linked object; null when there is none. The
+  // first look-up puts the base entry on the call stack.
+  Func_rel* find_function(std::uint32_t object_id, std::int32_t number, bool global);
+
+  // find_function() for the caller of a flow, which mostly stands on top of the stack.
+  Func_rel* find_caller(std::uint32_t object_id, std::int32_t number);
+
+  // Call flow.
+  void s_push(Func_rel* function, std::uint32_t arc) { stack_.push_back({function, arc, 0}); }
+  void s_pop() {  // nothing when the stack is empty
+    if (!stack_.empty()) stack_.pop_back();
+  }
+  const Func_context* top() const { return stack_.empty() ? nullptr : &stack_.back(); }
+  const std::vector<Func_context>& stack() const { return stack_; }  // the outermost first
+  std::uint32_t stack_depth() const { return static_cast<std::uint32_t>(stack_.size()); }
+  std::uint32_t current_arc() const { return stack_.empty() ? 0 : stack_.back().arc; }
+  std::uint32_t flow_counter() const { return flow_counter_; }
+  void count_flow() { ++flow_counter_; }
+  std::uint32_t add_arc(Func_rel* from, Func_rel* to);
+  // The number of the arc from a caller to a callee, and whether it is new.
+  std::pair<std::uint32_t, bool> find_or_add_arc(Func_rel* from, Func_rel* to);
+  void count_call(std::uint32_t arc) { ++arcs_[arc].count; }
+  // The arc through which `caller` called a function of an object before; null when it did not, or
+  // has to be looked for by find_function() and find_or_add_arc().
+  FuncArc* find_repeated_call(const Func_rel& caller, std::uint32_t object_id, std::int32_t number);
+  // Counts one more call along the arc; returns its number.
+  std::uint32_t repeat_call(FuncArc& arc) {
+    ++arc.to->calls;
+    ++arc.count;
+    return static_cast<std::uint32_t>(&arc - arcs_.data());
+  }
+  const auto& arcs() const { return arcs_; }
+  const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
+    return number < arcs_.size() ? &arcs_[number] : nullptr;
+  }
+  const hosk_call& current_hosk_call() const { return hosk_call_; }
+  void set_hosk_call(hosk_call call) { hosk_call_ = std::move(call); }
+
+  // Symbols.
+  void symbol_new(const KivSymbolNew& event);
+  void symbol_alloc(const KivSymbolAlloc& event);
+  void symbol_dims(const KivSymbolDims& event);
+  void symbol_dd_name(const KivSymbolDdName& event);
+
+  // By their keys in the trace, in ascending order.
+  const auto& symbols() const { return symbols_; }
+
+  // Gives back what the process collected. It is dead from now on; its statistics stay.
+  void free_process();
+
+ private:
+  // A function that belongs to the process itself.
+  struct own_function {
+    own_function(std::uint32_t pid, std::int32_t number, std::string_view name)
+        : location{pid, number, name}, relation(&location) {}
+    const Func_loc location;
+    Func_rel relation;
+  };
+  struct special_function {
+    special_function(std::uint32_t pid, std::int32_t number, std::string_view special_name)
+        : name(special_name), function(pid, number, name) {}
+    const std::string name;
+    own_function function;
+  };
+
+  void start_stack();
+  KivSymbol* find_symbol(std::int64_t sym) const;
+
+  const std::uint32_t main_pid_;
+  const std::uint32_t pid_;
+  const std::uint32_t parent_;
+  std::uint32_t mal_id_ = 0;
+  std::uint32_t xml_id_ = 0;
+  const std::string session_name_;
+  end_point start_;
+  end_point end_;
+  KivReserveId_db& ids_;
+  diagnostics& diagnostics_;
+
+  KivStat<std::int64_t> statistics_;
+  absl::flat_hash_map<std::uint32_t, object_pool<process_malid_stat>::pointer> malid_stats_;
+  // The book asked for last: records of one id often come in a row.
+  std::uint32_t latest_malid_ = 0;
+  process_malid_stat* latest_book_ = nullptr;
+
+  bool stack_started_ = false;
+  bool alive_ = true;
+  number_table<std::unique_ptr<KivOip>, 256> oips_;  // by object id
+  // By number, negative ones as unsigned. An overwritten special may still stand in the call
+  // graph, so it stays until the process ends.
+  absl::flat_hash_map<std::uint32_t, std::unique_ptr<special_function>> specials_;
+  std::vector<std::unique_ptr<special_function>> former_specials_;
+  std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
+  std::vector<Func_context> stack_;
+  absl::InlinedVector<FuncArc, 1> arcs_;  // by arc number; most processes start with one
+  // The arcs that are not followed, by caller and callee.
+  absl::flat_hash_map<std::pair<const Func_rel*, const Func_rel*>, std::uint32_t> further_arcs_;
+  hosk_call hosk_call_;
+  std::uint32_t flow_counter_ = 0;
+  absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym
+};
+
+}  // namespace kiv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "trace/kiv_type.h"
+
+namespace kiv {
+
+class kiv_hdr;
+
+// The field widths of all record types, taken from the header's definitions once per trace, so that
+// a field's width is an array access.
+class record_layout {
+ public:
+  static constexpr unsigned max_fields = 8;  // no record type reads more than seven
+
+  record_layout() = default;
+  explicit record_layout(const kiv_hdr& header);
+
+  // The widths of a type's fields in bytes, max_fields of them; 0 for a field or a type that the
+  // header does not define.
+  const std::uint32_t* widths(kiv_type type) const {
+    return widths_[static_cast<unsigned>(type)].data();
+  }
+
+ private:
+  std::array<std::array<std::uint32_t, max_fields>, kiv_type_limit> widths_{};
+};
+
+}  // namespace kiv
