@@ -17,10 +17,10 @@ event_loop::~event_loop() = default;
 void event_loop::run() {
   reader_.observer().trace_began();
   while (!reader_.files().eof()) {
-    ++event_number_;
+    const std::uint32_t event_number = reader_.count_event();
     // What the file does not wholly hold was cut off; the next file starts with a record again.
     if (!cursor_.record_start_fits()) {
-      diagnostics_.out_of_sync(event_number_);
+      diagnostics_.out_of_sync(event_number);
       cursor_.go_to_end();
       continue;
     }
@@ -29,19 +29,19 @@ void event_loop::run() {
     const kiv_type type = to_kiv_type(tag);
     const bool listed = diagnostics_.lists_records();
     if (type == kiv_e_invalid) {
-      if (listed) diagnostics_.record_started(static_cast<char>(tag), size, event_number_);
-      diagnostics_.illegal_event(event_number_, cursor_.position());
+      if (listed) diagnostics_.record_started(static_cast<char>(tag), size, event_number);
+      diagnostics_.illegal_event(event_number, cursor_.position());
       return;
     }
     if (!cursor_.payload_fits()) {
-      diagnostics_.out_of_sync(event_number_);
+      diagnostics_.out_of_sync(event_number);
       cursor_.go_to_end();
       continue;
     }
-    if (listed) diagnostics_.record_started(static_cast<char>(tag), size, event_number_);
+    if (listed) diagnostics_.record_started(static_cast<char>(tag), size, event_number);
     handle(type);
     if (!cursor_.at_record_end()) {
-      diagnostics_.out_of_sync(event_number_);
+      diagnostics_.out_of_sync(event_number);
       cursor_.go_to_record_end();
     }
   }

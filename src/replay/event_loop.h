@@ -85,7 +85,6 @@ class event_loop {
   record_cursor& cursor_;
   diagnostics& diagnostics_;
   run_counters& counters_;
-  std::uint32_t event_number_ = 0;  // records read, decoded or not
 
   // The statement that the last query-in of operation 'p' brought. The first query-out after it
   // gives it its number and hands it to the book of statements.

@@ -39,7 +39,12 @@ class kiv_reader {
   diagnostics& faults() const { return run_.faults; }
   const kiv_hdr& header() const { return header_; }
   data_files& files() { return files_; }
+  const data_files& files() const { return files_; }
   const record_layout& layout() const { return layout_; }
+
+  // The number of the record that is being read, decoded or not, from 1.
+  std::uint32_t event_number() const { return event_number_; }
+  std::uint32_t count_event() { return ++event_number_; }
 
   // Replays every record of the data files, telling the observer what happens, and then closes the
   // times of all that is still open. Returns the run's record counter.
@@ -89,6 +94,7 @@ class kiv_reader {
   data_files files_;
   replay_observer* observer_ = nullptr;
   moment now_;
+  std::uint32_t event_number_ = 0;
 
   live_block_pool live_blocks_;
   std::unique_ptr<KivHashLoc_db> hash_locations_;

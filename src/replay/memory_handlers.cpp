@@ -78,6 +78,7 @@ void event_loop::free_or_reset(const Event& event, KivMalid& id) {
   reader_.observer().id_gives_back(id, event.type);
   reader_.reserve_ids().free_mem(event.id, event.tot_size_wf, event.tot_size_nf, event.location,
                                  event.type == kiv_e_reset_id);
+  reader_.observer().id_gave_back(id);
   count_record();
 }
 

@@ -67,8 +67,9 @@ class replay_observer {
   virtual void allocator_reported(const KivMallInfo& /*event*/) {}
 
   virtual void id_reserved(const KivMalid& /*id*/) {}
-  // A free or reset of an id is about to be booked.
+  // A free or reset of an id is about to be booked. / It is booked, and all its blocks have ended.
   virtual void id_gives_back(const KivMalid& /*id*/, kiv_type /*by*/) {}
+  virtual void id_gave_back(const KivMalid& /*id*/) {}
 
   virtual void process_started(const KivProcess& /*process*/) {}
   // The process still has its arcs and symbols.

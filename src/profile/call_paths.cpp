@@ -1,0 +1,69 @@
+#include "profile/call_paths.h"
+
+#include "replay/kiv_object_db.h"
+#include "replay/kiv_process.h"
+#include "replay/kiv_reader.h"
+
+namespace kiv {
+
+namespace {
+
+constexpr const char* process_itself = "(process internal)";
+constexpr const char* without_name = "(unknown function)";
+
+}  // namespace
+
+call_paths::call_paths(const kiv_reader& reader) : reader_(reader) {
+  functions_.push_back({"", "(no function)"});
+}
+
+// An entry keeps its path plus one, since the empty path is a path too.
+std::uint32_t call_paths::current(const KivProcess& process) {
+  const std::vector<Func_context>& stack = process.stack();
+  std::size_t known = stack.size();
+  while (known > 0 && stack[known - 1].path == 0) --known;
+  std::uint32_t path = known == 0 ? 0 : stack[known - 1].path - 1;
+  for (std::size_t i = known; i < stack.size(); ++i) {
+    if (stack[i].function != nullptr) path = step_into(path, *stack[i].function);
+    stack[i].path = path + 1;
+  }
+  return path;
+}
+
+std::uint32_t call_paths::step_into(std::uint32_t parent, const Func_rel& function) {
+  const std::uint32_t place = function_of(function);
+  if (paths_.size() >= max_paths) {
+    const auto known = index_.find({parent, place});
+    if (known != index_.end()) return known->second;
+    ++calls_left_out_;
+    return parent;
+  }
+  const auto next = static_cast<std::uint32_t>(paths_.size());
+  const auto [entry, is_new] = index_.try_emplace({parent, place}, next);
+  if (is_new) paths_.push_back({parent, place});
+  return entry->second;
+}
+
+// Functions are told apart by their names: places in the code do not outlive their process.
+std::uint32_t call_paths::function_of(const Func_rel& function) {
+  const Func_loc* location = function.location;
+  std::pair<std::string, std::string> name;
+  if (location == nullptr) {
+    name = {process_itself, without_name};
+  } else if (location->in_object()) {
+    name = {reader_.objects().get_object(location->object_id)->name, std::string(location->name)};
+  } else {
+    name = {process_itself, std::string(location->name)};
+  }
+  const auto next = static_cast<std::uint32_t>(functions_.size());
+  const auto [entry, is_new] = function_index_.try_emplace(std::move(name), next);
+  if (is_new) functions_.push_back({entry->first.first, entry->first.second});
+  return entry->second;
+}
+
+void call_paths::finish(profile& into) {
+  into.paths = std::move(paths_);
+  into.functions = std::move(functions_);
+}
+
+}  // namespace kiv
