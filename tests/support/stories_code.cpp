@@ -63,9 +63,9 @@ void replaced_specials(trace& t) {
 // looked for one; functions announced later, or anew, are unknown to it and known to the tables.
 void late_announcements(trace& t) {
   server_runs(t).reserve(5'000, "oic:late").object(5'000).object(6'000);
-  t.function(5'000, 1, "one").function(5'000, 2, "two").function(5'000, 7, "seven");
+  t.function(5'000, 1, "one").function(5'000, 7, "seven").function(5'000, 2, "two");
   t.link(7, 5'000).flow_in(7, 0, 5'000, 1);
-  t.function(5'000, 2, "two anew").function(5'000, 3, "unseen").function(5'000, -1, "below");
+  t.function(5'000, 3, "unseen").function(5'000, -1, "below").function(5'000, 2, "two anew");
   t.flow_in(5'000, 1, 5'000, 2).flow_in(5'000, 2, 5'000, 3).flow_in(5'000, 3, 4, 1).flow_out();
   t.proc(8, "batch").link(8, 5'000).link(8, 4).schedule(7, 8).flow_in(8, 0, 5'000, 2);
   t.special(8, 0, "main").flow_in(8, 0, 5'000, 2).flow_in(5'000, 2, 5'000, 3);
