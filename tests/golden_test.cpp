@@ -100,8 +100,8 @@ TEST(GoldenRun, DebugLevelOneListsWhatIsRare) {
 TEST(GoldenRun, TracesContinueTheFilesAndNumbersOfTheirRun) {
   const auto tell = [](trace& t, std::uint32_t first_pid) {
     t.proc(first_pid, "p").reserve(1, "oic:x").sbrk(0x1000, 64).mallinfo(1, 2, 3);
-    for (std::uint32_t i = 1; i <= 3; ++i) t.malloc_wf(1, 0, 16 * i, i, 16);
-    t.query_in(0, 'p', "q").sbrk(0x2000, 64).free(1, 0, 16).query_out(1).proc_end(first_pid);
+    for (const std::uint32_t size : {1U, 2U, 3U}) t.malloc_wf(1, 0, 0x10 + size, size, 16);
+    t.query_in(0, 'p', "q").sbrk(0x2000, 64).free(1, 0, 0x11).query_out(1).proc_end(first_pid);
   };
   trace first, second, third;
   tell(first.runid("R42").pid(7), 70);
