@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "support/stories.h"
 #include "support/trace_builder.h"
@@ -44,21 +45,16 @@ bool write_all(const std::string& directory) {
   wide.address_width = 8;
   trace_input cut;
   cut.two_files = cut.small_files = true;
-  const struct {
-    const char* name;
-    void (*tell)(trace&);
-    trace_input form;
-  } stories[] = {
-      {"every_record", test::every_record, cut},
-      {"every_record_wide", test::every_record, wide},
-      {"damaged", test::damaged, {}},
-      {"random", [](trace& t) { test::random_operations(t, 7, 60); }, wide},
+  const auto write_story = [&](const test::story& told, const trace_input& form) {
+    trace t = as_told_in(form);
+    told.tell(t);
+    written &= test::write_file(traces + std::string(told.name), input_of(t, form));
   };
-  for (const auto& story : stories) {
-    trace t = as_told_in(story.form);
-    story.tell(t);
-    written &= test::write_file(traces + story.name, input_of(t, story.form));
-  }
+  bool next_is_wide = false;
+  for (const test::story& one : test::clean_stories())
+    write_story(one, std::exchange(next_is_wide, !next_is_wide) ? wide : cut);
+  for (const test::story& one : test::damaged_stories()) write_story(one, {});
+  write_story({"random", [](trace& t) { test::random_operations(t, 7, 60); }}, wide);
 
   trace running;
   running.unclosed().big_endian().without_entry('a').recorded_size(0, "99999999999");

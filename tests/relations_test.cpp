@@ -19,22 +19,21 @@
 namespace kiv::test {
 namespace {
 
-using story = std::function<void(trace&)>;
-
-const std::vector<story> clean_stories = {
-    every_record,
-    [](trace& t) { random_operations(t, 1); },
-    [](trace& t) { random_operations(t, 2); },
-    [](trace& t) { random_operations(t, 3, 3500); },
-};
-const std::vector<story> all_stories = [] {
-  std::vector<story> all = clean_stories;
-  all.emplace_back(damaged);
+const std::vector<story> clean = [] {
+  std::vector<story> all = clean_stories();
+  all.push_back({"random 1", [](trace& t) { random_operations(t, 1); }});
+  all.push_back({"random 2", [](trace& t) { random_operations(t, 2); }});
+  all.push_back({"random 3", [](trace& t) { random_operations(t, 3, 3500); }});
+  return all;
+}();
+const std::vector<story> clean_and_damaged = [] {
+  std::vector<story> all = clean;
+  all.insert(all.end(), damaged_stories().begin(), damaged_stories().end());
   return all;
 }();
 
 trace told(const story& s, trace t = {}) {
-  s(t);
+  s.tell(t);
   return t;
 }
 
@@ -44,7 +43,8 @@ void expect_same_results(const run_result& expected, const run_result& actual) {
 }
 
 TEST(Relations, TheWayATraceIsWrittenChangesNoTable) {
-  for (const story& s : clean_stories) {
+  for (const story& s : clean) {
+    SCOPED_TRACE(s.name);
     const run_result plain = run_trace(told(s));
     for (const bool big : {false, true}) {
       for (const int width : {4, 8}) {
@@ -62,7 +62,8 @@ TEST(Relations, TheWayATraceIsWrittenChangesNoTable) {
 }
 
 TEST(Relations, SeparatorsAndDebugLevelsChangeNothingElse) {
-  for (const story& s : all_stories) {
+  for (const story& s : clean_and_damaged) {
+    SCOPED_TRACE(s.name);
     const run_result plain = run_trace(told(s));
     run_result other = run_trace(told(s), {"-sd", "\1", "-sf", "\2"});
     for (const csv_table& one : csv_tables()) other.rows(one.name);
@@ -80,7 +81,8 @@ TEST(Relations, SeparatorsAndDebugLevelsChangeNothingElse) {
 }
 
 TEST(Relations, SplitFilesJoinedAreTheUnsplitFile) {
-  for (const story& s : all_stories) {
+  for (const story& s : clean_and_damaged) {
+    SCOPED_TRACE(s.name);
     const run_result whole = run_trace(told(s));
     for (const int limit : {-2045, 1, 1000, 20'000}) {
       const run_result split = run_trace(told(s), {"-M", std::to_string(limit + 2048)});
@@ -102,7 +104,8 @@ TEST(Relations, SplitFilesJoinedAreTheUnsplitFile) {
 }
 
 TEST(Relations, UnknownHeaderElementsChangeNothing) {
-  const trace t = told(every_record);
+  trace t;
+  every_record_type_once(t);
   const temp_dir dir;
   ASSERT_TRUE(t.write(dir.path(), "."));
   const run_result plain = run_kiv(dir.path(), {"-H", t.header_name()});
@@ -123,9 +126,10 @@ void check_markers(const table& marker) {
   }
 }
 
-TEST(Relations, CountersRunOnFromTraceToTrace) {
-  trace first = told(every_record);
-  trace second = told([](trace& t) { random_operations(t, 5, 200); });
+void expect_counters_to_run_on(trace first) {
+  trace second;
+  random_operations(second, 5, 200);
+  first.runid("R42").pid(7);
   second.runid("R42").pid(8);
   const temp_dir dir;
   for (const trace* t : {&first, &second}) ASSERT_TRUE(t->write(dir.path(), "."));
@@ -169,6 +173,13 @@ TEST(Relations, CountersRunOnFromTraceToTrace) {
     }
   }
   check_markers(both.rows("marker"));
+}
+
+TEST(Relations, CountersRunOnFromTraceToTrace) {
+  for (const story& s : clean_stories()) {
+    SCOPED_TRACE(s.name);
+    expect_counters_to_run_on(told(s));
+  }
 }
 
 // Checks every row of every table against the catalogue and the books against each other.
@@ -239,7 +250,10 @@ void check_rows(const run_result& run) {
 }
 
 TEST(Relations, BooksAgreeWithEachOtherInEveryRow) {
-  for (const story& s : clean_stories) check_rows(run_trace(told(s)));
+  for (const story& s : clean) {
+    SCOPED_TRACE(s.name);
+    check_rows(run_trace(told(s)));
+  }
   const temp_dir dir;
   std::filesystem::copy(KIV_SOURCE_DIR "/samples/MIX", dir / "MIX");
   check_rows(run_kiv(dir.path(), {"-R", "MIX"}));
