@@ -33,7 +33,7 @@ class scratch_directory {
 
   const std::string& path() const { return path_; }
   std::string write(const char* name, std::string_view bytes) const {
-    const std::string path = path_ + "/" + name;
+    std::string path = path_ + "/" + name;
     std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
     return path;
   }
