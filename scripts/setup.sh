@@ -4,6 +4,7 @@
 set -eu
 
 sets='
+make         make
 build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev
 test         libgtest-dev
 bench        libbenchmark-dev valgrind
