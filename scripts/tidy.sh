@@ -5,7 +5,8 @@ set -eu
 cd "$(dirname "$0")/.."
 
 commands=$1/compile_commands.json
-for source in $(scripts/sources.sh '*.cpp'); do
+sources=$(scripts/sources.sh '*.cpp')
+for source in $sources; do
   # Without a command of its own clang-tidy would guess one and pass over what it did not find.
   grep -q "\"file\": \"$PWD/$source\"" "$commands" ||
     { echo "tidy: nothing in $1 is built from $source" >&2; exit 1; }
