@@ -1,31 +1,45 @@
-# Thin: the build is CMake's (see CMakePresets.json), the work is in scripts/.
+# Thin: the build is CMake's (see CMakePresets.json), the work is in scripts/. Each command first
+# installs the Debian packages that it needs (scripts/setup.sh), as root or by sudo.
 .DEFAULT_GOAL := help
-.PHONY: help setup build test demo bench check format clean
+.PHONY: help build demo test bench check test32 format package try-package clean
 
 help: ## Show this list
-	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-8s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
 
-setup: ## Install what building and testing needs (Debian packages; as root)
-	@scripts/setup.sh
-
-build: setup ## Build the release preset into build/release
-	@cmake --preset release >/dev/null
-	@cmake --build --preset release
-
-test: build ## Build and run all tests
-	@ctest --preset release
+build: ## Build both programs into build/release
+	@scripts/setup.sh build
+	@scripts/build.sh
 
 demo: build ## Analyse the sample traces and show what comes out
 	@scripts/demo.sh build/release
 
-bench: setup ## Build and run the benchmarks
+test: ## Build and run all tests
+	@scripts/setup.sh build test
+	@scripts/build.sh --all
+	@ctest --preset release
+
+bench: ## Build and run the benchmarks
+	@scripts/setup.sh build bench
 	@scripts/bench.sh
 
-check: build ## The slow checks: clang, sanitizers, clang-tidy, format, fuzzing
+check: ## The slow checks: format, includes, clang, sanitizers, clang-tidy, fuzzing
+	@scripts/setup.sh build test format check
 	@scripts/check.sh
 
+test32: ## Run the tests as 32-bit x86; adds g++-multilib to the system, its libraries to build/
+	@scripts/setup.sh build test test32
+	@scripts/test32.sh
+
 format: ## Format all sources
+	@scripts/setup.sh format
 	@scripts/format.sh
+
+package: build ## Make the Debian package, build/release/package/kiv_VERSION_ARCHITECTURE.deb
+	@scripts/setup.sh package
+	@scripts/package.sh
+
+try-package: package ## Install the Debian package here and try the README's example with it
+	@scripts/try_package.sh --install
 
 clean: ## Remove everything that was built
 	rm -rf build

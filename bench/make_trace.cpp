@@ -257,7 +257,8 @@ void write_record(trace& t, char tag, u32 i, u32 blocks) {
       break;
     case 'R':
       t.reserve(id, "oic:module:body");
-      for (u32 b = 0; b < blocks; ++b) t.malloc_wf(id, 0, addr + b * 32, 20, 32, location_key(0));
+      for (u32 b = 0; b < blocks; ++b)
+        t.malloc_wf(id, 0, addr + i64{b} * 32, 20, 32, location_key(0));
       break;
     case 'c':
       t.color(i % colors, "color");

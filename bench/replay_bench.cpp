@@ -61,7 +61,9 @@ std::uint64_t bytes_of_tables(const std::string& directory) {
 
 // What the stages share: a parsed header, books to be filled and nobody who listens to messages.
 struct replay_of {
-  explicit replay_of(const workload& work) : header(parser) { header.read_header(work.header_path()); }
+  explicit replay_of(const workload& work) : header(parser) {
+    header.read_header(work.header_path());
+  }
 
   diagnostics silent;
   run_context context{silent};
@@ -113,7 +115,7 @@ void run(benchmark::State& state, const workload& work, void (*stage)(const work
   // The first run may pay for memory that a virtual machine's host has yet to hand out.
   stage(work);
   for ([[maybe_unused]] auto step : state) {
-      stage(work);
+    stage(work);
   }
   const auto records = static_cast<double>(work.records);
   state.counters["records/s"] =

@@ -166,6 +166,7 @@ std::vector<std::string> key_names() {
 int kivdb_main(int argc, char** argv) {
   CLI::App app("Puts the tables of kiv into an SQLite database and answers questions from it.",
                "kivdb");
+  app.set_version_flag("--version", "kivdb " KIV_VERSION);
   app.require_subcommand(0, 1);  // so that an unknown word is named in the message
   app.footer(
       "Exit status: 0 done, 1 wrong usage, 2 unreadable input or database, 3 a limit given\n"

@@ -4,7 +4,6 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-command -v valgrind >/dev/null || scripts/setup.sh --checks
 cmake --preset bench >/dev/null
 cmake --build --preset bench
 kiv=$PWD/build/bench/src/kiv

@@ -6,24 +6,22 @@ cd "$(dirname "$0")/.."
 start=$(date +%s)
 step() { printf '\n== %s (after %s s)\n' "$*" "$(($(date +%s) - start))"; }
 
-scripts/setup.sh --checks
-
 step "format"
 scripts/format.sh --check
 
+step "includes between the folders of src"
+scripts/check_includes.sh src
+
 step "clang, warnings as errors, address and undefined behaviour sanitizers"
-cmake --preset asan >/dev/null
+cmake --preset asan -DKIV_BENCH=ON >/dev/null
 cmake --build --preset asan
 ctest --preset asan --progress
 
-step "32-bit build"
-scripts/build32.sh
-
 step "clang-tidy"
-find "$PWD/src" "$PWD/kivdb" -name '*.cpp' ! -path '*/tests/*' -print0 2>/dev/null |
-  xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 -p build/asan --quiet
+scripts/tidy.sh build/asan
 
 if [ -d fuzz ]; then
   step "fuzzing"
   scripts/fuzz.sh 60
 fi
+printf '\nchecked in %s s\n' "$(($(date +%s) - start))"

@@ -8,5 +8,5 @@ if [ "${1-}" = --check ]; then
 else
   set -- -i
 fi
-find src tests samples docs kivdb bench fuzz \( -name '*.cpp' -o -name '*.h' \) -print0 2>/dev/null |
-  xargs -0 clang-format-14 "$@"
+files=$(scripts/sources.sh '*.cpp' '*.h')
+clang-format-14 "$@" $files

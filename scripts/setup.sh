@@ -1,16 +1,33 @@
 #!/bin/sh
-# Installs the Debian packages that are missing; does nothing when all are there.
-# setup.sh: for building and testing; setup.sh --checks: also for the slow checks.
+# setup.sh SET...: installs those Debian packages of the named sets that are missing, and nothing
+# when all are there. A set is a line of this table.
 set -eu
 
-packages="g++ make cmake ninja-build pkg-config
-  libexpat1-dev libabsl-dev libfmt-dev libgtest-dev libbenchmark-dev libsqlite3-dev libcli11-dev"
-if [ "${1-}" = --checks ]; then
-  packages="$packages g++-multilib clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev"
-fi
+sets='
+make         make
+build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev
+test         libgtest-dev
+bench        libbenchmark-dev valgrind
+format       clang-format-14 git
+check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev
+test32       g++-multilib
+emulate32    qemu-user
+package      dpkg-dev file
+'
+
+packages=
+for set in "$@"; do
+  found=$(echo "$sets" | sed -n "s/^$set  *//p")
+  [ -n "$found" ] || {
+    echo "setup: no set of packages is called $set; there are:" >&2
+    echo "$sets" >&2
+    exit 2
+  }
+  packages="$packages $found"
+done
 
 if ! command -v dpkg-query >/dev/null; then
-  echo "setup: not a Debian system; needed are the likes of:" $packages >&2
+  echo "setup: not a Debian system; needed are the likes of:$packages" >&2
   exit 0
 fi
 

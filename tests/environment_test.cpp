@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tables/csv_tables.h"
 #include "support/run_trace.h"
 #include "support/trace_builder.h"
+#include "tables/csv_tables.h"
 
 // A system that refuses, and names that bite.
 

@@ -54,8 +54,8 @@ TEST(Header, ValuesCountByPositionAndMissingOnesChangeNothing) {
       <time_start nsecs="5" secs="7000000"/><time_end secs="-1"/>
       <endianess values="big"/><endianess/>
       <progname a="p"/><runid a="r"/><user a="u"/><lom a="l"/><pacc a="a"/><hostname a=")"
-           "\xE4"
-           R"("/></kiv>)");
+                 "\xE4"
+                 R"("/></kiv>)");
   EXPECT_EQ(p.result, 0);
   EXPECT_EQ(p.header->version(), 1);
   EXPECT_EQ(p.header->filetype(), "bin");
@@ -99,8 +99,8 @@ TEST(Header, WidthsOfTheLastDefinitionOfATag) {
             "  name: x size: 8\n  name: addr size: 4\n  name: tot size: -3\n"
             "  name: none size: 0\n  name: y size: 2\n");
   EXPECT_TRUE(listed.err.str().ends_with(
-            "tag: 97 entry_name: n\n desc: d format: \ntag: 97 entry_name: n2\n desc:  format: %u\n"
-            "tag: -61 entry_name: \n desc:  format: \ntag: 0 entry_name: \n desc:  format: \n"));
+      "tag: 97 entry_name: n\n desc: d format: \ntag: 97 entry_name: n2\n desc:  format: %u\n"
+      "tag: -61 entry_name: \n desc:  format: \ntag: 0 entry_name: \n desc:  format: \n"));
 }
 
 TEST(Header, ResultsAndMessages) {

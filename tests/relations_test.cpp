@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "tables/csv_tables.h"
 #include "same_tables.h"
 #include "support/run_trace.h"
 #include "support/stories.h"
+#include "tables/csv_tables.h"
 
 // What must hold between two runs, or between the rows of one, whatever the trace says.
 

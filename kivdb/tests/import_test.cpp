@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -175,7 +177,10 @@ TEST_F(Import, RefusesOtherDatabases) {
   write_file(dir_ / "text.db", "not a database, but long enough to look at its first page");
   database db;
   EXPECT_FALSE(db.open(dir_ / "text.db", open_mode::create));
-  ASSERT_EQ(std::system(("sqlite3 '" + dir_ / "other.db" + "' 'CREATE TABLE t(x)'").c_str()), 0);
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open((dir_ / "other.db").c_str(), &other), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(other, "CREATE TABLE t(x)", nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_EQ(sqlite3_close(other), SQLITE_OK);
   EXPECT_FALSE(db.open(dir_ / "other.db", open_mode::create));
   EXPECT_EQ(db.error(), "not a database made by kivdb");
   EXPECT_FALSE(db.open(dir_ / "missing.db", open_mode::read_only));

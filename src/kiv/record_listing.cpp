@@ -140,8 +140,7 @@ void stream_diagnostics::listed(const KivSymbolNew& event) {
 }
 
 void stream_diagnostics::listed(const KivSymbolDims& event) {
-  list(" sym: {:x} nrdims: {} dims: {}", bits(event.sym), event.nrdims,
-       fmt::join(event.dims, ","));
+  list(" sym: {:x} nrdims: {} dims: {}", bits(event.sym), event.nrdims, fmt::join(event.dims, ","));
 }
 
 void stream_diagnostics::listed(const KivSymbolDdName& event) {

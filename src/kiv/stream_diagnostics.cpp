@@ -51,8 +51,7 @@ void stream_diagnostics::unknown_tag_in_kivfile(const char* tag) {
 }
 
 void stream_diagnostics::record_defined(int tag, const std::string& name,
-                                        const std::string& description,
-                                        const std::string& format) {
+                                        const std::string& description, const std::string& format) {
   err_ << "tag: " << tag << " entry_name: " << name << '\n'
        << " desc: " << description << " format: " << format << '\n';
 }
@@ -201,7 +200,9 @@ void stream_diagnostics::reserved_process_missing(std::uint32_t pid) {
   out_ << "cannot happen: process id " << pid << " is not on KivProcess_db \n";
 }
 
-void stream_diagnostics::symbol_known_already() { err_ << "cannot happen KivProcess::symbol_new\n"; }
+void stream_diagnostics::symbol_known_already() {
+  err_ << "cannot happen KivProcess::symbol_new\n";
+}
 
 void stream_diagnostics::symbol_unknown() { err_ << "can't find sym\n"; }
 

@@ -79,8 +79,7 @@ class stream_diagnostics final : public diagnostics {
                  std::string_view to_name) override;
   void function_entered(std::uint32_t depth, std::string_view caller,
                         std::string_view callee) override;
-  void function_left(std::uint32_t depth, std::string_view back_in,
-                     std::string_view left) override;
+  void function_left(std::uint32_t depth, std::string_view back_in, std::string_view left) override;
   void hosk_entered(std::uint32_t depth, std::string_view function) override;
   void hosk_left(std::uint32_t depth, std::string_view function) override;
 

@@ -20,7 +20,9 @@ class block_notes {
     place.group[block % chunk_size] = group;
     place.made[block % chunk_size] = made;
   }
-  std::uint32_t& group(handle block) { return chunks_[block / chunk_size]->group[block % chunk_size]; }
+  std::uint32_t& group(handle block) {
+    return chunks_[block / chunk_size]->group[block % chunk_size];
+  }
   // The memory record that made the block.
   std::uint64_t made(handle block) const {
     return chunks_[block / chunk_size]->made[block % chunk_size];

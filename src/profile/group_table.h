@@ -22,8 +22,8 @@ struct group_key {
   std::uint32_t process = 0;
   std::uint64_t query = no_query;  // qid, or one of the above
   bool no_free = false;
-  bool folded = false;  // stands for the groups that were too many: line, colour, path and query are
-                        // left out
+  bool folded = false;  // stands for the groups that were too many: line, colour, path and query
+                        // are left out
 
   friend bool operator==(const group_key&, const group_key&) = default;
   template <class Hash>

@@ -122,11 +122,11 @@ struct id_level {
 // Some memory records that follow one another.
 struct timeline_step {
   std::uint64_t last_record = 0;
-  std::string time;                // of the last record, local
+  std::string time;                 // of the last record, local
   std::uint64_t highest_bytes = 0;  // live memory
   std::uint64_t last_bytes = 0;
-  std::uint64_t heap_bytes = 0;    // growth so far
-  std::vector<id_level> changed;   // live memory at the last record, where it changed
+  std::uint64_t heap_bytes = 0;   // growth so far
+  std::vector<id_level> changed;  // live memory at the last record, where it changed
 };
 
 // A marker of the traced program.
@@ -157,11 +157,11 @@ struct profile {
   std::string run;
   std::int64_t pid = 0;
   std::string program, environment, account, host, user, description;
-  std::string start, end;      // local time, "2023-11-14 22:13:20.005"
-  std::uint64_t records = 0;   // memory records booked
+  std::string start, end;     // local time, "2023-11-14 22:13:20.005"
+  std::uint64_t records = 0;  // memory records booked
   std::uint64_t heap_bytes = 0;
   std::int64_t gap_bytes = 0;
-  bool from_rows = false;      // computed from CSV tables: no call paths, no losses known
+  bool from_rows = false;  // computed from CSV tables: no call paths, no losses known
   peak_figures peak;
   std::vector<loss> losses;        // empty: complete
   std::vector<std::string> notes;  // what was left out to bound memory

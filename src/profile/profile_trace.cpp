@@ -42,8 +42,8 @@ bool profile_trace(const std::string& header_path, profile& into, std::string& e
     return false;
   }
   if (header.version() > 1) {
-    error = header_path + ": header version " + std::to_string(header.version()) +
-            " is not supported";
+    error =
+        header_path + ": header version " + std::to_string(header.version()) + " is not supported";
     return false;
   }
   if (header.filetype() != "bin") {

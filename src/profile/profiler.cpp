@@ -63,8 +63,8 @@ void profiler::block_made(block_handle block, const memory_change& made) {
   const group_table::handle group = group_of(made);
   add_block(group, made);
   notes_.set(block, group, made.record);
-  recent_.made(made.record, {static_cast<std::uint32_t>(made.size),
-                             static_cast<std::uint32_t>(made.tot_size)});
+  recent_.made(made.record,
+               {static_cast<std::uint32_t>(made.size), static_cast<std::uint32_t>(made.tot_size)});
   if (query_open_) blocks_of_query_.push_back(block);
 }
 

@@ -68,8 +68,8 @@ void trace_losses::count(loss_kind kind, const std::string& place) {
 void trace_losses::count(loss_kind kind) {
   tally& one = tallies_[static_cast<std::size_t>(kind)];
   if (one.count++ > 0 || reader_ == nullptr) return;
-  one.first = fmt::format("record {} in {}", reader_->event_number(),
-                          reader_->files().current_path());
+  one.first =
+      fmt::format("record {} in {}", reader_->event_number(), reader_->files().current_path());
 }
 
 void trace_losses::header_not_well_formed(const char* error, std::uint64_t line) {

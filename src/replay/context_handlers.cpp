@@ -67,8 +67,7 @@ void event_loop::on_query_out() {
     return;
   }
   complete_pending_query(event);
-  bracket->complete(event,
-                    {counters_.rec_sbrk_count, reader_.reserve_ids().global().rec.value});
+  bracket->complete(event, {counters_.rec_sbrk_count, reader_.reserve_ids().global().rec.value});
   if (KivQuery* query = reader_.queries().find_query(pending_qid_)) {
     query->note_use(bracket->operation(), reader_.now());
   }

@@ -20,7 +20,8 @@ class KivQuery {
 
   // Takes the statement's numbers from the query-out that completes it.
   void complete(const KivQueryOut& event);
-  // Notes the time of a bracket of operation 'b' or 'c' around the statement; others change nothing.
+  // Notes the time of a bracket of operation 'b' or 'c' around the statement; others change
+  // nothing.
   void note_use(std::uint32_t operation, const moment& now);
   // Closes the times at the end of the trace.
   void check_times(const moment& end_time);

@@ -61,8 +61,8 @@ const hosk_call& kiv_reader::cc_curr_bcall() const { return current_process_->cu
 
 void kiv_reader::open_query_event(std::uint32_t operation) {
   const query_counts counts{run_.counters.rec_sbrk_count, reserve_ids_->global().rec.value};
-  query_event_ = std::make_unique<KivQueryEvent>(operation, ++query_in_count_, current_context(),
-                                                 counts);
+  query_event_ =
+      std::make_unique<KivQueryEvent>(operation, ++query_in_count_, current_context(), counts);
 }
 
 void kiv_reader::close_query_event() { query_event_.reset(); }

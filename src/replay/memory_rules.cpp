@@ -39,8 +39,8 @@ void keep_block(kiv_reader& reader, KivMem& blocks, const auto& event, memory_ch
   change.size_change = event.size;
   change.tot_size_change = event.tot_size;
   const std::uint32_t line = reader.hash_locations().text_index(event.location);
-  const std::optional<handle> block = blocks.add_memory(
-      {event.addr, change.record, event.size, event.tot_size, event.color, line});
+  const std::optional<handle> block =
+      blocks.add_memory({event.addr, change.record, event.size, event.tot_size, event.color, line});
   if (block) {
     reader.observer().block_made(*block, change);
   } else {

@@ -75,7 +75,8 @@ class replay_observer {
   // The process still has its arcs and symbols.
   virtual void process_ended(const KivProcess& /*process*/) {}
 
-  // `depth`: entries on the call stack with the function's own; `arc`: through which it was entered.
+  // `depth`: entries on the call stack with the function's own; `arc`: through which it was
+  // entered.
   virtual void function_entered(const KivProcess& /*process*/, std::uint32_t /*depth*/,
                                 std::uint32_t /*arc*/) {}
   virtual void function_left(const KivProcess& /*process*/, std::uint32_t /*depth*/,

@@ -9,8 +9,8 @@
 
 namespace kiv {
 
-// Numbers the CSV files of a run. Numbers are kept per table, whatever the run id, and run on across
-// all traces of the run.
+// Numbers the CSV files of a run. Numbers are kept per table, whatever the run id, and run on
+// across all traces of the run.
 class csv_file_sequence {
  public:
   int curr_sequence(table_id table) const { return numbers_[static_cast<std::size_t>(table)]; }

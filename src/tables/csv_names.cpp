@@ -79,9 +79,9 @@ std::optional<named_csv_file> parse_csv_name(std::string_view name) {
 
 std::string make_import_statement(std::string_view runid, const csv_table& table, int version,
                                   int number) {
-  std::string line = fmt::format("{}{}{} '{}', '{}{}', '{}', '{}'", call_start,
-                                 procedure_for(table), path_argument, safe_runid(runid),
-                                 table.name, version, table.name, number);
+  std::string line =
+      fmt::format("{}{}{} '{}', '{}{}', '{}', '{}'", call_start, procedure_for(table),
+                  path_argument, safe_runid(runid), table.name, version, table.name, number);
   if (table.end == row_end::marker) line += fmt::format(", '{}'", row_end_marker);
   return line + ";\n";
 }

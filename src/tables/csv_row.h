@@ -12,9 +12,9 @@
 namespace kiv {
 
 // One line of a CSV table under construction, the one place where numbers become text. Columns are
-// collected where the file's own buffer has the place for them, else in a buffer of the row's, which
-// is handed to the file once per line (more often only if the line outgrows it). Every column is
-// followed by data_sep; end_line() turns the last separator into the line end. While a row lives
+// collected where the file's own buffer has the place for them, else in a buffer of the row's,
+// which is handed to the file once per line (more often only if the line outgrows it). Every column
+// is followed by data_sep; end_line() turns the last separator into the line end. While a row lives
 // nobody else writes to its file.
 class csv_row {
  public:

@@ -48,8 +48,8 @@ void kiv_tables::set_heap_columns() {
   const heap_total& growths = reader_.reserve_ids().sbrk();
   const heap_total& gaps = reader_.reserve_ids().gap();
   std::array<char, 4 * number_room> text;
-  const char* end = put_columns(text.data(), output_.context.data_sep, growths.total,
-                                growths.count, gaps.total, gaps.count);
+  const char* end = put_columns(text.data(), output_.context.data_sep, growths.total, growths.count,
+                                gaps.total, gaps.count);
   heap_columns_.assign(text.data(), static_cast<std::size_t>(end - text.data()));
 }
 

@@ -26,7 +26,8 @@ bool data_files::rd_open() {
   }
   cursor_ = record_cursor(read->held.data(), read->held.size(), little_endian_);
   const auto held = static_cast<std::int64_t>(read->held.size());
-  if (held < file->size()) diagnostics_.file_shorter_than_recorded(file->file(), file->size(), held);
+  if (held < file->size())
+    diagnostics_.file_shorter_than_recorded(file->file(), file->size(), held);
   return true;
 }
 

@@ -58,7 +58,8 @@ class diagnostics {
                                           std::int64_t /*held*/) {}
 
   // Records. `event_number` counts the records of the trace.
-  virtual void record_started(char /*tag*/, std::uint32_t /*size*/, std::uint32_t /*event_number*/) {}
+  virtual void record_started(char /*tag*/, std::uint32_t /*size*/,
+                              std::uint32_t /*event_number*/) {}
   virtual void out_of_sync(std::uint32_t /*event_number*/) {}
   virtual void illegal_event(std::uint32_t /*event_number*/, std::uint64_t /*file_offset*/) {}
 

@@ -22,7 +22,9 @@ class el_stack {
   void pop(const element* el);
   // Takes an element off wherever it stands.
   void remove(const element* el) { std::erase(elements_, el); }
-  element* top() const { return elements_.empty() ? nullptr : elements_.back(); }  // null when empty
+  element* top() const {
+    return elements_.empty() ? nullptr : elements_.back();
+  }  // null when empty
   bool empty() const { return elements_.empty(); }
 
   diagnostics& faults() const { return diagnostics_; }

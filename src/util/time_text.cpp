@@ -28,7 +28,8 @@ std::string time_text(const moment& when) {
 }
 
 const std::string& minute_clock::text(const moment& when) {
-  const bool in_kept_minute = usable_ && when.secs >= minute_start_ && when.secs - minute_start_ < 60;
+  const bool in_kept_minute =
+      usable_ && when.secs >= minute_start_ && when.secs - minute_start_ < 60;
   if (!in_kept_minute) enter_minute_of(when.secs);
   const std::int64_t millis = when.nsecs / 1'000'000;
   if (!usable_ || millis < 0 || millis > 999) {

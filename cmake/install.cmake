@@ -1,0 +1,25 @@
+# What an installation has besides the programs: manual pages, completions, documents, samples.
+find_program(GZIP gzip REQUIRED)
+
+set(manual_pages)
+foreach(program kiv kivdb)
+  set(page ${PROJECT_BINARY_DIR}/docs/${program}.1)
+  configure_file(docs/${program}.1.in ${page} @ONLY)
+  add_custom_command(OUTPUT ${page}.gz DEPENDS ${page}
+    COMMAND ${GZIP} -9nkf ${page} VERBATIM)
+  list(APPEND manual_pages ${page}.gz)
+  install(FILES completions/${program}
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endforeach()
+add_custom_target(manual_pages ALL DEPENDS ${manual_pages})
+install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+# README.md names the documents as docs/...
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+
+# Data that README.md works on, so not below doc/, which small systems leave out.
+install(DIRECTORY samples DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
+        FILES_MATCHING PATTERN "*.kivhdr" PATTERN "*.kivdat")
