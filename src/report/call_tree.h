@@ -16,7 +16,7 @@ namespace kiv::report {
 struct tree_options {
   measure of = measure::peak;
   double min_share = 1;  // percent of the total that a call must hold, itself and what it calls
-  filter_options filter;
+  filter_options filter = {};
 };
 
 // A function called along a path: what was allocated in it and in all that it called, and what in

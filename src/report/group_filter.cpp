@@ -14,7 +14,7 @@ std::unique_ptr<re2::RE2> compiled(const std::string& pattern, std::string& erro
   options.set_log_errors(false);
   auto expression = std::make_unique<re2::RE2>(pattern, options);
   if (expression->ok()) return expression;
-  error = quoted(pattern) + " is no regular expression: " + printable(expression->error());
+  error = quoted_name(pattern) + " is no regular expression: " + printable(expression->error());
   return nullptr;
 }
 
@@ -39,7 +39,7 @@ std::string filter_options::in_words() const {
   std::string words;
   const auto add = [&](std::string_view what, const std::optional<std::string>& value) {
     if (!value) return;
-    words += (words.empty() ? "" : ", ") + std::string(what) + ' ' + quoted(*value);
+    words += (words.empty() ? "" : ", ") + std::string(what) + ' ' + quoted_name(*value);
   };
   add("focus", focus);
   add("ignore", ignore);

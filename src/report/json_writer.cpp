@@ -1,5 +1,7 @@
 #include "report/json_writer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <ostream>
 
@@ -84,6 +86,11 @@ void json_writer::number(std::uint64_t value) {
 void json_writer::number(std::int64_t value) {
   before_value(false);
   out_ << value;
+}
+
+void json_writer::number(double value) {
+  before_value(false);
+  out_ << fmt::format("{}", value);
 }
 
 void json_writer::boolean(bool value) {

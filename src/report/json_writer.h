@@ -27,6 +27,7 @@ class json_writer {
   void text(std::string_view value);
   void number(std::uint64_t value);
   void number(std::int64_t value);
+  void number(double value);  // a finite one
   void boolean(bool value);
   void null();
   void end_document();  // the last line end

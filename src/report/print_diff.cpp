@@ -185,11 +185,11 @@ void print_verdict(std::ostream& out, const run_diff& diff, const limit_verdict&
 void print_text(std::ostream& out, const run_diff& diff, const print_style& style,
                 std::size_t top) {
   const auto& options = diff.options;
-  out << bold("Run " + quoted(diff.a->name) + " -> run " + quoted(diff.b->name), style) << ": "
+  out << bold("Run " + quoted_name(diff.a->name) + " -> run " + quoted_name(diff.b->name), style) << ": "
       << title_of(options.of) << ", by " << title_of(options.by) << '\n';
   for (const auto* run : {diff.a, diff.b}) {
     if (is_complete(*run)) continue;
-    out << alarming("Run " + quoted(run->name) + " is not known to be complete.", style)
+    out << alarming("Run " + quoted_name(run->name) + " is not known to be complete.", style)
         << " `kivdb report` names what is missing.\n";
   }
   if (options.filter.is_on()) {

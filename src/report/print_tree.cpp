@@ -120,7 +120,7 @@ void add_rows(aligned_table& table, const call_tree& tree) {
 
 void print_text(std::ostream& out, const call_tree& tree, const print_style& style) {
   const auto& filter = tree.options.filter;
-  out << bold("Run " + quoted(tree.run->name), style) << ": " << title_of(tree.options.of)
+  out << bold("Run " + quoted_name(tree.run->name), style) << ": " << title_of(tree.options.of)
       << ", by call path: " << in_words(tree.total) << '\n';
   if (filter.is_on()) {
     out << alarming("Filtered", style) << " by " << filter.in_words()

@@ -60,7 +60,7 @@ std::size_t display_width(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, std::not_fn(is_continuation)));
 }
 
-std::string quoted(std::string_view name) { return '"' + printable(name) + '"'; }
+std::string quoted_name(std::string_view name) { return '\'' + printable(name) + '\''; }
 
 std::string shortened(std::string_view text, std::size_t width) {
   const std::size_t columns = display_width(text);

@@ -9,8 +9,8 @@ namespace kiv::report {
 // it can be shown on a terminal.
 std::string printable(std::string_view text);
 
-// A name between double quotes, printable; for messages.
-std::string quoted(std::string_view name);
+// A name in a message: printable, in single quotes.
+std::string quoted_name(std::string_view name);
 
 // The first byte sequence of `text`: its length when it is valid UTF-8, else 0.
 std::size_t utf8_length(std::string_view text);

@@ -92,7 +92,7 @@ void print_list(std::ostream& out, const run_report& report, const group_list& l
 
 void print_report(std::ostream& out, const run_report& report, const print_style& style,
                   std::size_t top) {
-  out << bold("Run " + quoted(report.run->name), style);
+  out << bold("Run " + quoted_name(report.run->name), style);
   if (report.traces.size() != 1) {
     out << ": " << grouped(std::uint64_t{report.traces.size()}) << " traces";
   }

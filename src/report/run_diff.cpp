@@ -65,7 +65,7 @@ bool make_diff(const run_profile& a, const run_profile& b, const diff_options& o
   group_filter filter;
   if (!filter.set(options.filter, error)) return false;
   if (!filter.knows_process(a) && !filter.knows_process(b)) {
-    error = "neither run has a process " + quoted(*options.filter.process);
+    error = "neither run has a process " + quoted_name(*options.filter.process);
     return false;
   }
   into.a = &a;
@@ -89,7 +89,7 @@ std::string verdict_in_words(const run_diff& diff) {
   if (!diff.judged) {
     std::string which;
     for (const auto* run : {diff.a, diff.b}) {
-      if (!is_complete(*run)) which += (which.empty() ? "" : " and ") + quoted(run->name);
+      if (!is_complete(*run)) which += (which.empty() ? "" : " and ") + quoted_name(run->name);
     }
     return "not judged: run " + which +
            " is not known to be complete (--allow-incomplete judges all the same)";

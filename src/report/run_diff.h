@@ -18,9 +18,9 @@ namespace kiv::report {
 struct diff_options {
   group_key by = group_key::line;
   measure of = measure::leaked;
-  std::optional<std::size_t> top;  // rows; none: all
-  filter_options filter;
-  std::vector<growth_limit> limits;
+  std::optional<std::size_t> top = {};  // rows; none: all
+  filter_options filter = {};
+  std::vector<growth_limit> limits = {};
   bool allow_incomplete = false;  // judge runs that are not complete too
 };
 

@@ -27,9 +27,9 @@ struct list_choice {
 };
 
 struct report_options {
-  std::vector<list_choice> lists;
-  std::optional<std::size_t> top;  // rows of a list; none: all
-  filter_options filter;
+  std::vector<list_choice> lists = {};
+  std::optional<std::size_t> top = {};  // rows of a list; none: all
+  filter_options filter = {};
 };
 
 // Every measure by every key. Where one of them is empty: leaked, peak and temporary; id, line and
@@ -40,7 +40,7 @@ std::vector<list_choice> chosen_lists(std::vector<group_key> by, std::vector<mea
 // A report, computed and not yet printed. It looks into the run, which must outlive it.
 struct run_report {
   const run_profile* run = nullptr;
-  filter_options filter;
+  filter_options filter = {};
   bool complete = false;   // all traces are
   bool from_rows = false;  // one of them was computed from CSV tables
   std::vector<trace_figures> traces;

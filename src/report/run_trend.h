@@ -18,7 +18,7 @@ namespace kiv::report {
 struct trend_options {
   group_key by = group_key::line;
   measure of = measure::leaked;
-  filter_options filter;
+  filter_options filter = {};
 };
 
 // The totals of one run.

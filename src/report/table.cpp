@@ -1,6 +1,9 @@
 #include "report/table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 #include <ostream>
 
 #include "report/human.h"
@@ -30,10 +33,16 @@ std::string shown_number(Number number, column_kind kind) {
   return std::to_string(number);
 }
 
+// The shortest text that reads back as the same number.
+std::string shown_real(double number) {
+  return std::isfinite(number) ? fmt::format("{}", number) : std::string();
+}
+
 std::string shown(const cell& value, column_kind kind) {
   if (const auto* text = std::get_if<std::string>(&value)) return printable(*text);
   if (const auto* number = std::get_if<std::int64_t>(&value)) return shown_number(*number, kind);
   if (const auto* number = std::get_if<std::uint64_t>(&value)) return shown_number(*number, kind);
+  if (const auto* number = std::get_if<double>(&value)) return shown_real(*number);
   return "-";
 }
 
@@ -163,6 +172,7 @@ void csv_table::add(const table_row& cells) {
     if (i > 0) out_ << ',';
     if (const auto* number = std::get_if<std::int64_t>(&cells[i])) out_ << *number;
     if (const auto* number = std::get_if<std::uint64_t>(&cells[i])) out_ << *number;
+    if (const auto* number = std::get_if<double>(&cells[i])) out_ << shown_real(*number);
     if (const auto* text = std::get_if<std::string>(&cells[i])) print_csv_text(out_, *text);
   }
   out_ << '\n';
@@ -176,6 +186,8 @@ void write_json_row(json_writer& json, const std::vector<column>& columns, const
       json.number(*number);
     } else if (const auto* unsigned_number = std::get_if<std::uint64_t>(&cells[i])) {
       json.number(*unsigned_number);
+    } else if (const auto* real = std::get_if<double>(&cells[i]); real && std::isfinite(*real)) {
+      json.number(*real);
     } else if (const auto* text = std::get_if<std::string>(&cells[i])) {
       json.text(*text);
     } else {

@@ -17,7 +17,7 @@ enum class output_format : std::uint8_t { terminal, csv, json };
 struct print_style {
   output_format format = output_format::terminal;
   bool color = false;
-  std::optional<std::size_t> width;  // columns of the terminal; none: not one, nothing is cut
+  std::optional<std::size_t> width = {};  // columns of the terminal; none: not one, nothing is cut
 };
 
 // How the cells of a column read for people; a share is a text that stands to the right.
@@ -29,8 +29,8 @@ struct column {
   column_kind kind = column_kind::text;
 };
 
-// Nothing, a number or a text.
-using cell = std::variant<std::monostate, std::int64_t, std::uint64_t, std::string>;
+// Nothing, a number or a text. A number that is none (infinite, say) is shown as nothing.
+using cell = std::variant<std::monostate, std::int64_t, std::uint64_t, double, std::string>;
 using table_row = std::vector<cell>;
 
 // Rows in aligned columns, texts to the left and numbers to the right. On a terminal long texts are
