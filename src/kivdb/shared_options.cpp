@@ -58,10 +58,19 @@ void top_option::add_to(CLI::App& command) {
 }
 
 void add_filter(CLI::App& command, report::filter_options& filter) {
-  command.add_option("--focus", filter.focus,
-                     "Only blocks with a name that this regular expression matches: a function of "
-                     "the call path, line, id, colour, process or SQL statement");
-  command.add_option("--ignore", filter.ignore, "No blocks with such a name");
+  const CLI::Validator is_expression(
+      [](const std::string& pattern) {
+        std::string error;
+        report::group_filter().set({.focus = pattern}, error);
+        return error;
+      },
+      "");
+  command
+      .add_option("--focus", filter.focus,
+                  "Only blocks with a name that this regular expression matches: a function of "
+                  "the call path, line, id, colour, process or SQL statement")
+      ->check(is_expression);
+  command.add_option("--ignore", filter.ignore, "No blocks with such a name")->check(is_expression);
   command.add_option("--process", filter.process,
                      "Only blocks of this process: a session name or a process id");
 }

@@ -16,7 +16,7 @@ namespace kiv::report {
 // Which blocks an answer is about, as the command line says it; nothing set: about all.
 struct filter_options {
   std::optional<std::string> focus = {}, ignore = {};  // regular expressions
-  std::optional<std::string> process;                  // a session name or a process id
+  std::optional<std::string> process = {};             // a session name or a process id
 
   bool is_on() const { return focus || ignore || process; }
   // "focus "x", process "y"", printable; empty when nothing is set.

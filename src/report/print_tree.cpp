@@ -138,7 +138,7 @@ void print_text(std::ostream& out, const call_tree& tree, const print_style& sty
     table.finish();
   }
   if (tree.left_out > 0) {
-    out << fmt::format("  ... and {} calls that hold less than {:g} % each: {} in themselves\n",
+    out << fmt::format("  ... and {} calls that hold less than {:g} % each: {}\n",
                        grouped(tree.left_out), tree.options.min_share, in_words(tree.left_out_sum));
   }
   if (!is_complete(*tree.run)) {
