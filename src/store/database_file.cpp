@@ -131,7 +131,7 @@ bool open_for_imports(database& db, const std::string& path, creation_lock& lock
   if (!recognise(db, is_new, error)) return false;
   if (!is_new) lock.release();
   if (sqlite3_db_readonly(db.handle(), "main") == 1) return fail(error, "cannot be written");
-  return db.exec("PRAGMA foreign_keys = ON") || fail(error, db.error());
+  return db.exec("PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536") || fail(error, db.error());
 }
 
 bool open_for_reading(database& db, const std::string& path, std::string& error) {
