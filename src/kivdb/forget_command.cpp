@@ -1,0 +1,48 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "store/run_store.h"
+
+namespace kiv::db {
+namespace {
+
+struct forget_arguments {
+  std::string file;
+  std::vector<std::string> runs;
+  output_options output;
+};
+
+int run_forget(const forget_arguments& arguments) {
+  std::string error;
+  store::run_store database;
+  // Reading first: what does not exist is not to be made.
+  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
+    return complain_about(arguments.file, error);
+  }
+  database.close();
+  if (!database.open(arguments.file, store::open_mode::create, error) ||
+      !database.forget(arguments.runs, error)) {
+    return complain_about(arguments.file, error);
+  }
+  report::table_printer table(std::cout, {{"forgotten", "forgotten"}}, arguments.output.style());
+  for (const auto& run : arguments.runs) table.add({run});
+  table.finish();
+  return finish_output();
+}
+
+}  // namespace
+
+command add_forget(CLI::App& program) {
+  auto arguments = std::make_shared<forget_arguments>();
+  CLI::App* app = program.add_subcommand("forget", "Delete runs from a database, all or none");
+  app->add_option("file", arguments->file, "Database file")->required();
+  app->add_option("run", arguments->runs, "Names of runs")->required();
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb forget nightly.db R40 R41");
+  return {app, [arguments] { return run_forget(*arguments); }};
+}
+
+}  // namespace kiv::db

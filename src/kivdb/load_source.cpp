@@ -1,0 +1,177 @@
+#include "kivdb/load_source.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <utility>
+
+#include "profile/profile_trace.h"
+#include "report/printable.h"
+#include "store/run_store.h"
+
+namespace kiv::db {
+namespace {
+
+namespace fs = std::filesystem;
+using report::quoted_name;
+
+constexpr std::string_view header_mark = "kivhdr";
+constexpr std::string_view database_magic("SQLite format 3\0", 16);
+
+bool begins_with(const std::string& path, std::string_view magic) {
+  std::string start(magic.size(), '\0');
+  std::ifstream file(path, std::ios::binary);
+  return file.read(start.data(), static_cast<std::streamsize>(start.size())) && start == magic;
+}
+
+bool headers_of_directory(const std::string& path, std::vector<std::string>& headers,
+                          std::string& error) {
+  std::error_code failure;
+  for (fs::directory_iterator item(path, failure), end; !failure && item != end;
+       item.increment(failure)) {
+    std::error_code unknown;
+    const std::string name = item->path().filename().string();
+    if (name.find(header_mark) != std::string::npos && item->is_regular_file(unknown)) {
+      headers.push_back(item->path().string());
+    }
+  }
+  if (failure) {
+    error = path + ": " + failure.message();
+    return false;
+  }
+  std::ranges::sort(headers);
+  return true;
+}
+
+// The run of that name, made when there is none.
+run_profile& run_named(std::vector<run_profile>& runs, const std::string& name) {
+  for (auto& run : runs) {
+    if (run.name == name) return run;
+  }
+  return runs.emplace_back(run_profile{name, {}});
+}
+
+std::string names_of(const std::vector<run_profile>& runs) {
+  std::string names;
+  for (const auto& run : runs) names += (names.empty() ? "" : ", ") + quoted_name(run.name);
+  return names;
+}
+
+bool load_from_database(const std::string& path, const std::optional<std::string>& wanted,
+                        std::vector<run_profile>& runs, std::string& error) {
+  store::run_store database;
+  const auto load = [&] {
+    if (!database.open(path, store::open_mode::read_only, error)) return false;
+    const auto name = wanted ? wanted : database.latest_run(error);
+    if (!name) return false;
+    auto run = database.load(*name, error);
+    if (run) runs.push_back(std::move(*run));
+    return run.has_value();
+  };
+  if (load()) return true;
+  error = path + ": " + error;
+  return false;
+}
+
+}  // namespace
+
+std::optional<source_kind> kind_of_source(const std::string& path, std::string& error) {
+  struct stat info {};
+  if (stat(path.c_str(), &info) != 0) {
+    error = path + ": " + std::strerror(errno);
+    return std::nullopt;
+  }
+  if (S_ISDIR(info.st_mode)) return source_kind::directory;
+  if (!S_ISREG(info.st_mode)) {
+    error = path + ": neither a file nor a directory";
+    return std::nullopt;
+  }
+  return begins_with(path, database_magic) ? source_kind::database : source_kind::header;
+}
+
+bool find_headers(const std::vector<std::string>& sources, std::vector<std::string>& headers,
+                  std::string& error) {
+  std::set<std::pair<dev_t, ino_t>> seen;
+  for (const auto& source : sources) {
+    const auto kind = kind_of_source(source, error);
+    if (!kind) return false;
+    std::vector<std::string> found = {source};
+    if (*kind == source_kind::directory) {
+      found.clear();
+      if (!headers_of_directory(source, found, error)) return false;
+      if (found.empty()) {
+        error = source + ": no header file (kivhdr) in this directory";
+        return false;
+      }
+    }
+    for (auto& header : found) {
+      struct stat info {};
+      if (stat(header.c_str(), &info) == 0 && !seen.emplace(info.st_dev, info.st_ino).second) {
+        error = header + ": the same header is given twice";
+        return false;
+      }
+      headers.push_back(std::move(header));
+    }
+  }
+  return true;
+}
+
+bool replay(const std::vector<std::string>& headers, std::vector<run_profile>& runs,
+            std::string& error) {
+  loss unread{"unreadable header", 0, ""};
+  std::set<std::pair<std::string, std::int64_t>> seen;
+  for (const auto& header : headers) {
+    profile trace;
+    std::string reason;
+    if (!profile_trace(header, trace, reason)) {
+      if (unread.count++ == 0) unread.first = header + ": " + reason;
+      continue;
+    }
+    if (!seen.emplace(trace.run, trace.pid).second) {
+      error = header + ": a second trace of run " + quoted_name(trace.run) + " and process " +
+              std::to_string(trace.pid);
+      return false;
+    }
+    run_named(runs, trace.run).traces.push_back(std::move(trace));
+  }
+  if (runs.empty()) {
+    error = unread.first;
+    return false;
+  }
+  if (unread.count > 0) {
+    for (auto& run : runs) run.traces.front().losses.push_back(unread);
+  }
+  return true;
+}
+
+bool load_runs(const std::string& source, const std::optional<std::string>& wanted,
+               std::vector<run_profile>& runs, std::string& error) {
+  const auto kind = kind_of_source(source, error);
+  if (!kind) return false;
+  if (*kind == source_kind::database) return load_from_database(source, wanted, runs, error);
+  std::vector<std::string> headers;
+  if (!find_headers({source}, headers, error) || !replay(headers, runs, error)) return false;
+  if (!wanted) return true;
+  std::erase_if(runs, [&](const run_profile& run) { return run.name != *wanted; });
+  if (runs.empty()) error = source + ": no run " + quoted_name(*wanted);
+  return !runs.empty();
+}
+
+bool load_run(const std::string& source, const std::optional<std::string>& wanted,
+              run_profile& into, std::string& error) {
+  std::vector<run_profile> runs;
+  if (!load_runs(source, wanted, runs, error)) return false;
+  if (runs.size() > 1) {
+    error = source + ": holds several runs: " + names_of(runs);
+    return false;
+  }
+  into = std::move(runs.front());
+  return true;
+}
+
+}  // namespace kiv::db

@@ -1,0 +1,59 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/load_source.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "report/print_report.h"
+#include "report/run_report.h"
+
+namespace kiv::db {
+namespace {
+
+struct report_arguments {
+  std::string source;
+  std::optional<std::string> run;
+  lists_option lists;
+  top_option top;
+  report::filter_options filter;
+  output_options output;
+};
+
+int run_report(const report_arguments& arguments) {
+  std::string error;
+  std::vector<run_profile> runs;
+  if (!load_runs(arguments.source, arguments.run, runs, error)) return complain(error);
+  const report::print_style style = arguments.output.style();
+  const bool for_people = style.format == report::output_format::terminal;
+  report::report_options options;
+  options.lists = report::chosen_lists(arguments.lists.by(), arguments.lists.of(), for_people);
+  options.top = arguments.top.for_scripts();
+  options.filter = arguments.filter;
+  std::vector<report::run_report> reports(runs.size());
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!report::make_report(runs[i], options, reports[i], error)) return complain(error);
+  }
+  report::print_reports(std::cout, reports, style, arguments.top.for_people());
+  return finish_output();
+}
+
+}  // namespace
+
+command add_report(CLI::App& program) {
+  auto arguments = std::make_shared<report_arguments>();
+  CLI::App* app = program.add_subcommand(
+      "report", "Print what a run was, who leaks, what made the peak, what is short-lived");
+  app->add_option("source", arguments->source, "Directory of a run, header file or database")
+      ->required();
+  app->add_option("--run", arguments->run,
+                  "Only this run (of a database: the one imported last, unless told)");
+  arguments->lists.add_to(*app);
+  arguments->top.add_to(*app);
+  add_filter(*app, arguments->filter);
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb report R42/ --by line,path --of leaked");
+  return {app, [arguments] { return run_report(*arguments); }};
+}
+
+}  // namespace kiv::db

@@ -1,0 +1,62 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "store/run_store.h"
+
+namespace kiv::db {
+namespace {
+
+using report::column_kind;
+
+struct runs_arguments {
+  std::string file;
+  output_options output;
+};
+
+int run_runs(const runs_arguments& arguments) {
+  std::string error;
+  store::run_store database;
+  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
+    return complain_about(arguments.file, error);
+  }
+  const auto runs = database.runs(error);
+  if (!runs) return complain_about(arguments.file, error);
+  report::table_printer table(std::cout,
+                              {{"run", "run"},
+                               {"imported", "imported"},
+                               {"complete", "complete"},
+                               {"traces", "traces", column_kind::count},
+                               {"records", "records", column_kind::count},
+                               {"rows", "rows", column_kind::count},
+                               {"leaked_bytes", "leaked", column_kind::bytes},
+                               {"peak_bytes", "peak", column_kind::bytes},
+                               {"live_bytes", "live at the end", column_kind::bytes},
+                               {"allocated_bytes", "allocated", column_kind::bytes},
+                               {"source", "source"}},
+                              arguments.output.style());
+  for (const auto& run : *runs) {
+    const char* complete = run.from_rows ? "unknown" : run.complete ? "yes" : "no";
+    table.add({run.name, run.imported_at, std::string(complete), run.traces, run.records,
+               run.rows ? report::cell(*run.rows) : report::cell(), run.leaked.bytes,
+               run.peak.bytes, run.live.bytes, run.allocated.bytes, run.source});
+  }
+  table.finish();
+  return finish_output();
+}
+
+}  // namespace
+
+command add_runs(CLI::App& program) {
+  auto arguments = std::make_shared<runs_arguments>();
+  CLI::App* app =
+      program.add_subcommand("runs", "List the runs of a database in the order of their import");
+  app->add_option("file", arguments->file, "Database file")->required();
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb runs nightly.db");
+  return {app, [arguments] { return run_runs(*arguments); }};
+}
+
+}  // namespace kiv::db

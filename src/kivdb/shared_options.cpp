@@ -1,0 +1,111 @@
+#include "kivdb/shared_options.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace kiv::db {
+namespace {
+
+constexpr std::size_t narrowest_terminal = 40;
+
+template <class Names>
+std::vector<std::string> words(const Names& names) {
+  return {names.begin(), names.end()};
+}
+
+template <class Names>
+std::string listed(const Names& names) {
+  std::string list;
+  for (const auto& name : names) list += (list.empty() ? "" : ", ") + std::string(name);
+  return list;
+}
+
+template <class Found>
+void add_once(std::vector<Found>& all, Found next) {
+  if (std::ranges::find(all, next) == all.end()) all.push_back(next);
+}
+
+}  // namespace
+
+void output_options::add_to(CLI::App& command) {
+  auto* as_csv = command.add_flag("--csv", csv_, "Print comma-separated values");
+  command.add_flag("--json", json_, "Print JSON")->excludes(as_csv);
+}
+
+report::print_style output_options::style() const {
+  report::print_style style;
+  if (csv_) style.format = report::output_format::csv;
+  if (json_) style.format = report::output_format::json;
+  if (isatty(STDOUT_FILENO) == 0) return style;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col >= narrowest_terminal) {
+    style.width = size.ws_col;
+  }
+  const char* term = std::getenv("TERM");
+  style.color = std::getenv("NO_COLOR") == nullptr && term && std::string_view(term) != "dumb";
+  return style;
+}
+
+void top_option::add_to(CLI::App& command) {
+  command
+      .add_option("--top", top_,
+                  "Only so many rows of a list (for people 10 unless told, for scripts all)")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
+}
+
+void add_filter(CLI::App& command, report::filter_options& filter) {
+  const CLI::Validator is_expression(
+      [](const std::string& pattern) {
+        std::string error;
+        report::group_filter().set({.focus = pattern}, error);
+        return error;
+      },
+      "");
+  command
+      .add_option("--focus", filter.focus,
+                  "Only blocks with a name that this regular expression matches: a function of "
+                  "the call path, line, id, colour, process or SQL statement")
+      ->check(is_expression);
+  command.add_option("--ignore", filter.ignore, "No blocks with such a name")->check(is_expression);
+  command.add_option("--process", filter.process,
+                     "Only blocks of this process: a session name or a process id");
+}
+
+void list_option::add_key_to(CLI::App& command) {
+  command.add_option("--by", by_, "What to group by: " + listed(report::key_names))
+      ->check(CLI::IsMember(words(report::key_names)))
+      ->capture_default_str();
+}
+
+void list_option::add_measure_to(CLI::App& command, const std::string& what_for) {
+  command.add_option("--of", of_, what_for + ": " + listed(report::measure_names))
+      ->check(CLI::IsMember(words(report::measure_names)))
+      ->capture_default_str();
+}
+
+void lists_option::add_to(CLI::App& command) {
+  command.add_option("--by", by_, "What to group by: " + listed(report::key_names))
+      ->delimiter(',')
+      ->check(CLI::IsMember(words(report::key_names)));
+  command.add_option("--of", of_, "What to add up: " + listed(report::measure_names))
+      ->delimiter(',')
+      ->check(CLI::IsMember(words(report::measure_names)));
+}
+
+std::vector<report::group_key> lists_option::by() const {
+  std::vector<report::group_key> keys;
+  for (const auto& name : by_) add_once(keys, *report::find_key(name));
+  return keys;
+}
+
+std::vector<report::measure> lists_option::of() const {
+  std::vector<report::measure> measures;
+  for (const auto& name : of_) add_once(measures, *report::find_measure(name));
+  return measures;
+}
+
+}  // namespace kiv::db

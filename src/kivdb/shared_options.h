@@ -1,0 +1,63 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "report/group_filter.h"
+#include "report/measures.h"
+#include "report/table.h"
+
+namespace kiv::db {
+
+// --csv and --json, of every command.
+class output_options {
+ public:
+  void add_to(CLI::App& command);
+  report::print_style style() const;
+
+ private:
+  bool csv_ = false, json_ = false;
+};
+
+// --top: how many rows; for people ten unless it is given, for scripts all.
+class top_option {
+ public:
+  void add_to(CLI::App& command);
+  std::optional<std::size_t> for_scripts() const { return top_; }
+  std::size_t for_people() const { return top_.value_or(10); }
+
+ private:
+  std::optional<std::size_t> top_;
+};
+
+// --focus, --ignore and --process.
+void add_filter(CLI::App& command, report::filter_options& filter);
+
+// --by and --of with one value each.
+class list_option {
+ public:
+  void add_key_to(CLI::App& command);
+  void add_measure_to(CLI::App& command, const std::string& what_for);
+  void set_measure(report::measure of) { of_ = report::name_of(of); }
+  report::group_key by() const { return *report::find_key(by_); }
+  report::measure of() const { return *report::find_measure(of_); }
+
+ private:
+  std::string by_ = "line", of_ = "leaked";
+};
+
+// --by and --of with several values, separated by commas.
+class lists_option {
+ public:
+  void add_to(CLI::App& command);
+  std::vector<report::group_key> by() const;  // each once; empty when not given
+  std::vector<report::measure> of() const;
+
+ private:
+  std::vector<std::string> by_, of_;
+};
+
+}  // namespace kiv::db

@@ -1,0 +1,47 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/print_query.h"
+#include "kivdb/shared_options.h"
+
+namespace kiv::db {
+namespace {
+
+struct show_arguments {
+  std::string file, view;
+  std::optional<std::string> run;
+  top_option top;
+  output_options output;
+};
+
+int run_show(const show_arguments& arguments) {
+  const auto fail = [&](const std::string& error) { return complain_about(arguments.file, error); };
+  std::string error;
+  store::run_store database;
+  if (!database.open(arguments.file, store::open_mode::read_only, error)) return fail(error);
+  auto rows = store::prepare_view(database, arguments.view, arguments.run, error);
+  if (!rows) return fail(error);
+  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.for_scripts())) {
+    return fail(database.connection().error());
+  }
+  return finish_output();
+}
+
+}  // namespace
+
+command add_show(CLI::App& program) {
+  auto arguments = std::make_shared<show_arguments>();
+  CLI::App* app = program.add_subcommand("show", "Print a view of a database");
+  app->add_option("file", arguments->file, "Database file")->required();
+  app->add_option("view", arguments->view, "Name of the view; `kivdb views` lists them")
+      ->required();
+  app->add_option("--run", arguments->run, "Only rows of this run");
+  arguments->top.add_to(*app);
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb show nightly.db heap_growth --run R42 --csv");
+  return {app, [arguments] { return run_show(*arguments); }};
+}
+
+}  // namespace kiv::db

@@ -1,0 +1,47 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/print_query.h"
+#include "kivdb/shared_options.h"
+
+namespace kiv::db {
+namespace {
+
+struct sql_arguments {
+  std::string file, sql;
+  top_option top;
+  output_options output;
+};
+
+int run_sql(const sql_arguments& arguments) {
+  std::string error;
+  store::run_store database;
+  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
+    return complain_about(arguments.file, error);
+  }
+  // What is wrong with the statement is a matter of usage, what is wrong with the file is not.
+  auto rows = store::prepare_query(database, arguments.sql, error);
+  if (!rows) return complain(error, status_usage);
+  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.for_scripts())) {
+    return complain_about(arguments.file, database.connection().error());
+  }
+  return finish_output();
+}
+
+}  // namespace
+
+command add_sql(CLI::App& program) {
+  auto arguments = std::make_shared<sql_arguments>();
+  CLI::App* app = program.add_subcommand("sql", "Print the rows of a SELECT of your own");
+  app->add_option("file", arguments->file, "Database file")->required();
+  app->add_option("statement", arguments->sql, "A SELECT statement")->required();
+  arguments->top.add_to(*app);
+  arguments->output.add_to(*app);
+  app->footer(
+      "Example: kivdb sql nightly.db \"SELECT name, leaked_bytes FROM by_line WHERE run = 'R42'\"");
+  return {app, [arguments] { return run_sql(*arguments); }};
+}
+
+}  // namespace kiv::db

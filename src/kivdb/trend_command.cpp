@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "report/printable.h"
+#include "report/run_trend.h"
+#include "store/run_store.h"
+
+namespace kiv::db {
+namespace {
+
+struct trend_arguments {
+  std::string file;
+  list_option list;
+  std::optional<std::size_t> last;
+  top_option top;
+  report::trend_options options;
+  output_options output;
+};
+
+int run_trend(const trend_arguments& arguments) {
+  const auto fail = [&](const std::string& error) { return complain_about(arguments.file, error); };
+  std::string error;
+  store::run_store database;
+  if (!database.open(arguments.file, store::open_mode::read_only, error)) return fail(error);
+  auto runs = database.runs(error);
+  if (!runs) return fail(error);
+  if (runs->empty()) return fail("no run was imported yet");
+  if (arguments.last && *arguments.last < runs->size()) {
+    runs->erase(runs->begin(), runs->end() - static_cast<std::ptrdiff_t>(*arguments.last));
+  }
+  report::trend_options options = arguments.options;
+  options.by = arguments.list.by();
+  options.of = arguments.list.of();
+  report::run_trend trend(options);
+  for (const auto& info : *runs) {
+    const auto run = database.load(info.name, error);
+    if (!run) return fail(error);
+    if (!trend.add(*run, error)) return complain(error);
+  }
+  if (!trend.process_was_seen()) {
+    return complain("no run has a process " + report::quoted_name(*options.filter.process));
+  }
+  trend.finish(arguments.top.for_scripts());
+  report::print_trend(std::cout, trend, arguments.output.style(), arguments.top.for_people());
+  return finish_output();
+}
+
+}  // namespace
+
+command add_trend(CLI::App& program) {
+  auto arguments = std::make_shared<trend_arguments>();
+  CLI::App* app = program.add_subcommand("trend", "Print what the runs of a database became");
+  app->add_option("file", arguments->file, "Database file")->required();
+  arguments->list.add_key_to(*app);
+  arguments->list.add_measure_to(*app, "What to follow by name");
+  app->add_option("--last", arguments->last, "Only so many runs, the last ones")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
+  arguments->top.add_to(*app);
+  add_filter(*app, arguments->options.filter);
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb trend nightly.db --by line --of leaked --last 10");
+  return {app, [arguments] { return run_trend(*arguments); }};
+}
+
+}  // namespace kiv::db

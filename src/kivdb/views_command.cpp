@@ -1,0 +1,32 @@
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "store/view_catalogue.h"
+
+namespace kiv::db {
+namespace {
+
+int run_views(const output_options& output) {
+  report::table_printer table(std::cout, {{"view", "view"}, {"description", "what it answers"}},
+                              output.style());
+  for (const auto& view : store::views()) {
+    table.add({std::string(view.name), std::string(view.description)});
+  }
+  table.finish();
+  return finish_output();
+}
+
+}  // namespace
+
+command add_views(CLI::App& program) {
+  auto output = std::make_shared<output_options>();
+  CLI::App* app = program.add_subcommand("views", "List the views, each with what it answers");
+  output->add_to(*app);
+  app->footer("Example: kivdb views");
+  return {app, [output] { return run_views(*output); }};
+}
+
+}  // namespace kiv::db

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "profile/run_profile.h"
+#include "report/group_filter.h"
+#include "report/measures.h"
+#include "report/name_book.h"
+
+namespace kiv::report {
+
+// A trace whose names are entered in a name book, with the groups that a filter leaves.
+struct named_trace {
+  const profile* trace = nullptr;
+  place_numbers numbers;
+  std::vector<bool> kept;  // for each group
+};
+
+// The traces of a run. They look into `run`, which must outlive them.
+std::vector<named_trace> named_traces(const run_profile& run, const group_filter& filter,
+                                      name_book& names);
+
+// Where the groups of a trace are found in `numbers` for a key.
+std::uint32_t number_of(const named_trace& trace, const block_group& group, group_key key);
+
+// The sums of a measure over the kept groups: one for each number of the key.
+std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
+                                  group_key key, measure of);
+
+struct list_row {
+  std::uint32_t name = 0;  // number in the name book
+  split_amount sum;
+};
+
+// What is behind one measure, by one key: most bytes first, then most blocks, then by name. Names
+// without any block are left out.
+struct group_list {
+  group_key by = group_key::line;
+  measure of = measure::leaked;
+  split_amount total;  // of all rows, those left out included
+  std::vector<list_row> rows;
+  std::size_t left_out = 0;  // rows beyond `top`
+  split_amount left_out_sum;
+};
+
+group_list make_list(const std::vector<named_trace>& traces, const name_book& names, group_key by,
+                     measure of, std::optional<std::size_t> top);
+
+}  // namespace kiv::report

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kiv::report {
+
+// A JSON string with its quotes, valid UTF-8 whatever the bytes of `text`: control bytes are
+// escaped, bytes that are not valid UTF-8 become U+FFFD.
+std::string json_text(std::string_view text);
+
+// Writes one JSON document, piece by piece, with commas and line breaks where they belong. Calls
+// must nest as the document does.
+class json_writer {
+ public:
+  explicit json_writer(std::ostream& out) : out_(out) {}
+
+  void begin_object() { open('{'); }
+  void end_object() { close('}'); }
+  void begin_array() { open('['); }
+  void end_array() { close(']'); }
+  void key(std::string_view name);
+
+  void text(std::string_view value);
+  void number(std::uint64_t value);
+  void number(std::int64_t value);
+  void number(double value);  // a finite one
+  void boolean(bool value);
+  void null();
+  void end_document();  // the last line end
+
+ private:
+  struct level {
+    char kind;  // of the closing bracket
+    bool empty = true;
+    bool broken = false;  // its elements stand on lines of their own
+  };
+  void open(char bracket);
+  void close(char bracket);
+  void before_value(bool is_object);
+  void break_line();
+
+  std::ostream& out_;
+  std::vector<level> levels_;
+  bool after_key_ = false;
+};
+
+}  // namespace kiv::report

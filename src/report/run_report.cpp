@@ -1,0 +1,92 @@
+#include "report/run_report.h"
+
+#include <algorithm>
+
+#include "report/printable.h"
+
+namespace kiv::report {
+namespace {
+
+trace_figures figures_of(const named_trace& named) {
+  trace_figures figures;
+  figures.trace = named.trace;
+  for (std::size_t i = 0; i < named.kept.size(); ++i) {
+    if (!named.kept[i]) continue;
+    const block_group& group = named.trace->groups[i];
+    const bool kind = group.no_free;
+    figures.allocated.add(kind, group[figure::made]);
+    figures.freed.add(kind, group[figure::freed]);
+    figures.leaked.add(kind, group.leaked());
+    figures.reset.add(kind, group[figure::reset]);
+    figures.released.add(kind, group[figure::released]);
+    figures.live.add(kind, group[figure::live]);
+    figures.at_peak.add(kind, group[figure::at_peak]);
+    figures.temporary.add(kind, group[figure::temporary]);
+  }
+  // Place 0 of a list is the unknown.
+  const auto known = [](std::size_t count) { return count > 0 ? count - 1 : 0; };
+  figures.processes = known(named.trace->processes.size());
+  figures.ids = known(named.trace->ids.size());
+  return figures;
+}
+
+std::vector<std::vector<std::uint32_t>> process_ids_of(const std::vector<named_trace>& traces,
+                                                       const name_book& names) {
+  std::vector<std::vector<std::uint32_t>> all(names.size(group_key::process));
+  for (const auto& named : traces) {
+    const auto& numbers = named.numbers[static_cast<std::size_t>(group_key::process)];
+    for (std::size_t place = 0; place < named.trace->processes.size(); ++place) {
+      all[numbers[place]].push_back(named.trace->processes[place].pid);
+    }
+  }
+  for (auto& ids : all) {
+    std::ranges::sort(ids);
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  }
+  return all;
+}
+
+}  // namespace
+
+std::vector<list_choice> chosen_lists(std::vector<group_key> by, std::vector<measure> of,
+                                      bool for_people) {
+  if (by.empty() && of.empty() && for_people) {
+    return {{measure::leaked, group_key::line}, {measure::leaked, group_key::path},
+            {measure::peak, group_key::id},     {measure::peak, group_key::line},
+            {measure::peak, group_key::path},   {measure::temporary, group_key::line}};
+  }
+  if (by.empty()) by = {group_key::id, group_key::line, group_key::path};
+  if (of.empty()) of = {measure::leaked, measure::peak, measure::temporary};
+  std::vector<list_choice> lists;
+  for (const auto measure : of) {
+    for (const auto key : by) lists.push_back({measure, key});
+  }
+  return lists;
+}
+
+bool is_complete(const run_profile& run) {
+  return !run.traces.empty() && std::ranges::all_of(run.traces, &profile::complete);
+}
+
+bool make_report(const run_profile& run, const report_options& options, run_report& into,
+                 std::string& error) {
+  group_filter filter;
+  if (!filter.set(options.filter, error)) return false;
+  if (!filter.knows_process(run)) {
+    error = "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
+    return false;
+  }
+  into.run = &run;
+  into.filter = options.filter;
+  into.complete = is_complete(run);
+  into.from_rows = std::ranges::any_of(run.traces, &profile::from_rows);
+  const auto traces = named_traces(run, filter, into.names);
+  for (const auto& trace : traces) into.traces.push_back(figures_of(trace));
+  into.process_ids = process_ids_of(traces, into.names);
+  for (const auto& [of, by] : options.lists) {
+    into.lists.push_back(make_list(traces, into.names, by, of, options.top));
+  }
+  return true;
+}
+
+}  // namespace kiv::report

@@ -1,0 +1,216 @@
+#include "rows/import_plan.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "rows/import_script.h"
+
+namespace kiv::rows {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct csv_name {
+  std::string run_id;
+  const csv_table* table;
+  std::string number;
+};
+
+// Takes "kiv.RUN.TABLE.NUMBER.csv" apart. The run id may hold dots.
+std::optional<csv_name> parse_csv_name(std::string_view name) {
+  if (!name.starts_with("kiv.") || !name.ends_with(".csv")) return std::nullopt;
+  name = name.substr(0, name.size() - 4);
+  const auto number_dot = name.rfind('.');
+  const auto table_dot = number_dot == 0 ? 0 : name.rfind('.', number_dot - 1);
+  if (table_dot < 4 || number_dot <= table_dot) return std::nullopt;
+  const auto number = name.substr(number_dot + 1);
+  const csv_table* table = find_csv_table(name.substr(table_dot + 1, number_dot - table_dot - 1));
+  const bool digits = !number.empty() && number.size() <= 10 &&
+                      number.find_first_not_of("0123456789") == std::string_view::npos;
+  if (!table || !digits) return std::nullopt;
+  return csv_name{std::string(name.substr(4, table_dot - 4)), table, std::string(number)};
+}
+
+// Run id of "kiv.RUN.sql".
+std::optional<std::string> parse_script_name(std::string_view name) {
+  if (!name.starts_with("kiv.") || !name.ends_with(".sql") || name.size() < 8) return std::nullopt;
+  return std::string(name.substr(4, name.size() - 8));
+}
+
+class planner {
+ public:
+  planner(import_plan& plan, std::string& error) : plan_(plan), error_(error) {}
+
+  bool add(const std::string& source) {
+    std::error_code failure;
+    const auto status = fs::status(source, failure);
+    if (fs::is_directory(status) || fs::is_regular_file(status)) {
+      const auto real = fs::canonical(source, failure);
+      if (!sources_.insert(real.string()).second) {
+        error_ = source + ": named twice";
+        return false;
+      }
+    }
+    if (fs::is_directory(status)) return add_directory(source);
+    if (fs::is_regular_file(status)) {
+      const fs::path path(source);
+      directory_ = path.has_parent_path() ? path.parent_path().string() : ".";
+      return list_directory() && add_script(source) && add_files_without_script(false);
+    }
+    error_ = source + ": no such script or directory";
+    return false;
+  }
+
+  // Sorts the files of every run and looks up their sizes. False when one is not there.
+  bool finish() {
+    for (auto& run : plan_.runs) {
+      std::ranges::sort(run.files, [](const import_file& a, const import_file& b) {
+        if (a.table != b.table) return a.table < b.table;
+        return std::pair(a.number.size(), a.number) < std::pair(b.number.size(), b.number);
+      });
+      for (auto& file : run.files) {
+        std::error_code failure;
+        file.size = fs::file_size(file.path, failure);
+        if (!failure) continue;
+        error_ = file.path + ": " + failure.message() + "; kiv." + run.run_id +
+                 ".sql announces it as one of the run's tables";
+        return false;
+      }
+    }
+    return true;
+  }
+
+  // Why a source that could be read gave nothing.
+  std::string nothing_in(const std::string& source) const {
+    if (!plan_.notes.empty()) {
+      return source + ": nothing to import; " + plan_.notes.front();
+    }
+    if (!scripts_.empty()) {
+      return source + ": nothing to import; kiv." + *scripts_.begin() +
+             ".sql announces no file. Was the analysis stopped?";
+    }
+    return source +
+           ": nothing to import; there is neither an import script (kiv.RUN.sql) nor a "
+           "table (kiv.RUN.TABLE.1.csv)";
+  }
+
+ private:
+  bool list_directory() {
+    names_.clear();
+    scripts_.clear();
+    announced_.clear();
+    std::error_code failure;
+    for (fs::directory_iterator at(directory_, failure), end; !failure && at != end;
+         at.increment(failure)) {
+      names_.push_back(at->path().filename().string());
+    }
+    if (failure) {
+      error_ = directory_ + ": " + failure.message();
+      return false;
+    }
+    std::ranges::sort(names_);
+    for (const auto& name : names_) {
+      if (const auto run_id = parse_script_name(name)) scripts_.insert(*run_id);
+    }
+    return true;
+  }
+
+  bool add_directory(const std::string& directory) {
+    directory_ = directory;
+    if (!list_directory()) return false;
+    for (const auto& run_id : scripts_) {
+      if (!add_script(directory_ + "/kiv." + run_id + ".sql")) return false;
+    }
+    return add_files_without_script(true);
+  }
+
+  bool add_script(const std::string& path) {
+    std::vector<import_statement> statements;
+    if (!read_import_script(path, statements, error_)) return false;
+    for (const auto& s : statements) {
+      if (s.run_id.find('/') != std::string::npos) {
+        error_ = path + ": a run id with a '/'";
+        return false;
+      }
+      if (!add_file(path, s.run_id, s.table, s.number)) return false;
+    }
+    return true;
+  }
+
+  // The analysis announces a later trace's files only when a split makes new ones, so a run without
+  // a script of its own is taken whole. Where there is one, other files are left-overs.
+  bool add_files_without_script(bool whole_directory) {
+    for (const auto& name : names_) {
+      const auto csv = parse_csv_name(name);
+      if (!csv || announced_.contains(name)) continue;
+      if (scripts_.contains(csv->run_id)) {
+        if (whole_directory || seen_.contains(csv->run_id)) {
+          plan_.notes.push_back(directory_ + "/" + name + ": left out, kiv." + csv->run_id +
+                                ".sql does not announce it");
+        }
+      } else if (whole_directory || seen_.contains(csv->run_id)) {
+        if (!add_file(directory_, csv->run_id, csv->table, csv->number)) return false;
+      }
+    }
+    return true;
+  }
+
+  bool add_file(const std::string& source, const std::string& run_id, const csv_table* table,
+                const std::string& number) {
+    const std::string name =
+        "kiv." + run_id + "." + std::string(table->name) + "." + number + ".csv";
+    if (!announced_.insert(name).second) return true;  // a script names some files twice
+    std::error_code failure;
+    const auto real = fs::weakly_canonical(directory_ + "/" + name, failure);
+    if (!files_.insert(real.string()).second) {
+      error_ = directory_ + "/" + name + ": named by two sources";
+      return false;
+    }
+    const auto [seen, is_new] = seen_.try_emplace(run_id, plan_.runs.size(), directory_);
+    if (is_new) plan_.runs.push_back({run_id, source, {}});
+    if (seen->second.second != directory_) {
+      error_ = "run " + run_id + " is in " + seen->second.second + " and in " + directory_ +
+               "; import them into different databases";
+      return false;
+    }
+    plan_.runs[seen->second.first].files.push_back({table, number, directory_ + "/" + name});
+    return true;
+  }
+
+  import_plan& plan_;
+  std::string& error_;
+  std::set<std::string> sources_, files_;  // by their real paths, of all sources
+  std::string directory_;
+  std::vector<std::string> names_;   // all files of the directory
+  std::set<std::string> scripts_;    // run ids that have a script in the directory
+  std::set<std::string> announced_;  // files of the directory that are in the plan
+  std::map<std::string, std::pair<std::size_t, std::string>> seen_;  // run id: place, directory
+};
+
+}  // namespace
+
+std::uint64_t import_plan::bytes() const {
+  std::uint64_t sum = 0;
+  for (const auto& run : runs) {
+    for (const auto& file : run.files) sum += file.size;
+  }
+  return sum;
+}
+
+bool make_import_plan(const std::vector<std::string>& sources, import_plan& plan,
+                      std::string& error) {
+  planner p(plan, error);
+  for (const auto& source : sources) {
+    if (!p.add(source)) return false;
+  }
+  if (plan.runs.empty()) {
+    error = p.nothing_in(sources.front());
+    return false;
+  }
+  return p.finish();
+}
+
+}  // namespace kiv::rows

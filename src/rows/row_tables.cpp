@@ -1,0 +1,52 @@
+#include "rows/row_tables.h"
+
+#include <span>
+#include <string_view>
+
+#include "util/embedded_text.h"
+
+namespace kiv {
+std::span<const embedded_text> row_schema();
+}
+
+namespace kiv::rows {
+namespace {
+
+std::string_view sqlite_type(column_type type) {
+  return type == column_type::i64 || type == column_type::u64 ? "INTEGER" : "TEXT";
+}
+
+std::string create_table(const csv_table& table) {
+  std::string sql = "CREATE TABLE IF NOT EXISTS " + std::string(table.name) + " (";
+  std::string_view separator = "\n";
+  for (const auto& column : table.columns) {
+    sql += separator;
+    sql += "  " + std::string(column.name) + ' ' + std::string(sqlite_type(column.type));
+    sql += column.label.empty() ? std::string(" NOT NULL")
+                                : " AS ('" + std::string(column.label) + "') VIRTUAL";
+    separator = ",\n";
+  }
+  return sql + "\n);\nINSERT OR IGNORE INTO row_table VALUES ('" + std::string(table.name) +
+         "');\n";
+}
+
+}  // namespace
+
+bool make_row_tables(store::database& db) {
+  std::string sql;
+  for (const auto& table : csv_tables()) sql += create_table(table);
+  for (const auto& file : row_schema()) sql += file.text;
+  return db.exec(sql);
+}
+
+std::string insert_statement(const csv_table& table) {
+  std::string names, marks;
+  for (const auto& column : table.columns) {
+    if (!column.label.empty()) continue;
+    names += (names.empty() ? "" : ", ") + std::string(column.name);
+    marks += marks.empty() ? "?" : ", ?";
+  }
+  return "INSERT INTO " + std::string(table.name) + " (" + names + ") VALUES (" + marks + ")";
+}
+
+}  // namespace kiv::rows

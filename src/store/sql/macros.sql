@@ -1,0 +1,95 @@
+-- Texts that several views share. A line "-- name:" begins a macro.
+
+-- trace:
+r.name AS run, t.pid AS pid
+
+-- of_trace:
+JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+
+-- kind:
+CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind
+
+-- Sums over the rows g of block_group. Leaked is with-free memory that no free ended.
+
+-- figures:
+  SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+
+-- process:
+p.pid AS process_pid, p.name AS process_name
+
+-- of_process:
+JOIN process_name p ON p.trace = g.trace AND p.place = g.process
+
+-- function_text:
+CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
+
+-- Powers of two: the bar of exponent e holds 2^e and what follows up to 2^(e+1) - 1.
+
+-- from_power:
+CASE WHEN g.exponent < 0 THEN 0 ELSE 1 << g.exponent END
+
+-- to_power:
+CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END
+
+-- totals:
+  COALESCE(s.allocated_blocks, 0) AS allocated_blocks,
+  COALESCE(s.allocated_bytes, 0) AS allocated_bytes,
+  COALESCE(s.allocated_tot_bytes, 0) AS allocated_tot_bytes,
+  COALESCE(s.freed_blocks, 0) AS freed_blocks,
+  COALESCE(s.freed_bytes, 0) AS freed_bytes,
+  COALESCE(s.freed_tot_bytes, 0) AS freed_tot_bytes,
+  COALESCE(s.leaked_blocks, 0) AS leaked_blocks,
+  COALESCE(s.leaked_bytes, 0) AS leaked_bytes,
+  COALESCE(s.leaked_tot_bytes, 0) AS leaked_tot_bytes,
+  COALESCE(s.reset_blocks, 0) AS reset_blocks,
+  COALESCE(s.reset_bytes, 0) AS reset_bytes,
+  COALESCE(s.reset_tot_bytes, 0) AS reset_tot_bytes,
+  COALESCE(s.released_blocks, 0) AS released_blocks,
+  COALESCE(s.released_bytes, 0) AS released_bytes,
+  COALESCE(s.released_tot_bytes, 0) AS released_tot_bytes,
+  COALESCE(s.live_blocks, 0) AS live_blocks,
+  COALESCE(s.live_bytes, 0) AS live_bytes,
+  COALESCE(s.live_tot_bytes, 0) AS live_tot_bytes,
+  COALESCE(s.peak_blocks, 0) AS peak_blocks,
+  COALESCE(s.peak_bytes, 0) AS peak_bytes,
+  COALESCE(s.peak_tot_bytes, 0) AS peak_tot_bytes,
+  COALESCE(s.temporary_blocks, 0) AS temporary_blocks,
+  COALESCE(s.temporary_bytes, 0) AS temporary_bytes,
+  COALESCE(s.temporary_tot_bytes, 0) AS temporary_tot_bytes,
+  COALESCE(s.resizes, 0) AS resizes
+
+-- path_texts:
+p(trace, place, depth, path) AS (
+  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  UNION ALL
+  SELECT c.trace, c.place, p.depth + 1,
+    CASE WHEN p.depth = 0 THEN ''
+      WHEN LENGTH(p.path) > 4000 THEN '... > ' || SUBSTR(p.path, -2000) || ' > '
+      ELSE p.path || ' > ' END || CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
+  FROM p JOIN call_path c INDEXED BY call_path_by_parent ON c.trace = p.trace AND c.parent = p.place AND c.parent < c.place
+  JOIN function_name f ON f.trace = c.trace AND f.place = c.function
+)

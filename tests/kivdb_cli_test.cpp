@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "report/json_reader.h"
+#include "support/run_trace.h"
+
+// The program as its users and their scripts call it.
+namespace kiv::test {
+namespace {
+
+struct outcome {
+  int status;
+  std::string out, err;
+};
+
+// A directory with traces; every run has two of them.
+class Kivdb : public ::testing::Test {
+ protected:
+  outcome kivdb(const std::string& arguments, const char* out = "out") {
+    const int status = std::system(("cd '" + dir_.path() + "' && TZ=UTC '" KIVDB_PROGRAM "' " +
+                                    arguments + " >" + out + " 2>err </dev/null")
+                                       .c_str());
+    return {WEXITSTATUS(status), read_file(dir_ / "out"), read_file(dir_ / "err")};
+  }
+
+  // A trace that makes a block of `kept` bytes, which leaks, and one of 10, which is freed.
+  static trace leaking(std::string_view run, std::int64_t pid, std::uint32_t kept) {
+    trace t;
+    t.runid(run).pid(pid).proc(7, "server").reserve(1, "oic:core");
+    t.malloc_wf(1, 0, 0x1000, kept, kept + 8).malloc_wf(1, 0, 0x2000, 10, 16).free(1, 0, 0x2000);
+    return t;
+  }
+
+  void write(const std::string& directory, const trace& t) {
+    ASSERT_TRUE(t.write(dir_ / directory));
+  }
+
+  // Run A leaks 100 + 20 bytes, B 150 + 20; C like B, but its last data file is cut short.
+  void write_runs() {
+    for (const auto& [run, kept] : {std::pair("A", 100u), {"B", 150u}, {"C", 150u}}) {
+      write(run, leaking(run, 41, kept));
+      write(run, leaking(run, 42, 20));
+    }
+    for (const auto& item : std::filesystem::directory_iterator(dir_ / "C")) {
+      if (item.path().extension() != ".kivdat") continue;
+      std::filesystem::resize_file(item.path(), item.file_size() - 3);
+    }
+  }
+
+  temp_dir dir_;
+};
+
+TEST_F(Kivdb, ReportTreeAndDiffStraightFromTraces) {
+  write_runs();
+  auto run = kivdb("report A --json --by id --of leaked");
+  ASSERT_EQ(run.status, 0) << run.err;
+  auto json = read_json(run.out);
+  ASSERT_EQ(json["runs"].size(), 1u);
+  ASSERT_EQ(json["runs"][0]["traces"].size(), 2u);
+  EXPECT_EQ(json["runs"][0]["traces"][0]["pid"].number(), 41) << "in the order of the headers";
+  EXPECT_EQ(json["runs"][0]["lists"][0]["total"]["bytes"].number(), 120);
+  EXPECT_EQ(json["runs"][0]["lists"][0]["total"]["blocks"].number(), 2);
+
+  run = kivdb("tree A --of allocated --json");
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(read_json(run.out)["total"]["bytes"].number(), 140);
+
+  run = kivdb("diff A B --by id --json --fail-above leaked=49");
+  EXPECT_EQ(run.status, 3) << run.err;
+  json = read_json(run.out);
+  EXPECT_EQ(json["total"]["change"].number(), 50);
+  EXPECT_EQ(json["limits"][0]["passed"].scalar, "true");
+}
+
+TEST_F(Kivdb, ADatabaseAnswersAsItsTracesDo) {
+  write_runs();
+  auto run = kivdb("import A B -o t.db");
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err, "");
+  for (const char* command : {"report %s --json", "report %s --csv --by function,path,query",
+                              "report %s", "tree %s --json", "tree %s --of live"}) {
+    std::string of_trace = command, of_database = command;
+    of_trace.replace(of_trace.find("%s"), 2, "A");
+    of_database.replace(of_database.find("%s"), 2, "t.db --run A");
+    EXPECT_EQ(kivdb(of_database).out, kivdb(of_trace).out) << command;
+  }
+  EXPECT_EQ(kivdb("diff t.db A B --by line --csv").out, kivdb("diff A B --by line --csv").out);
+  EXPECT_NE(kivdb("report t.db").out.find("Run 'B'"), std::string::npos) << "the last";
+  EXPECT_EQ(read_json(kivdb("trend t.db --json").out)["runs"].size(), 2u);
+  EXPECT_EQ(read_json(kivdb("trend t.db --json --last 1").out)["runs"].size(), 1u);
+
+  run = kivdb("import A -o t.db");
+  EXPECT_NE(run.out.find("replaced"), std::string::npos) << run.out;
+  EXPECT_EQ(kivdb("import A -o t.db --as 'it''s 1/2'").status, 0);
+  EXPECT_EQ(read_json(kivdb("runs t.db --json").out).size(), 3u);
+  EXPECT_EQ(kivdb("forget t.db B A").status, 0);
+  EXPECT_EQ(read_json(kivdb("runs t.db --json").out)[0]["run"].scalar, "its 1/2");
+  EXPECT_EQ(kivdb("sql t.db 'SELECT 1 AS one, NULL AS none' --csv").out, "one,none\n1,\n");
+}
+
+TEST_F(Kivdb, OnlyCompleteRunsPassAGate) {
+  write_runs();
+  const struct {
+    const char* arguments;
+    int status;
+  } cases[] = {
+      {"diff A B", 0},
+      {"diff A B --fail-above leaked=50", 0},
+      {"diff A B --fail-above leaked=1K --fail-above leaked=10%", 3},
+      {"diff A B --fail-above leaked=50 --process 7", 0},
+      {"diff B A --fail-above leaked=0", 0},
+      {"diff A C", 0},
+      {"diff A C --fail-above leaked=1G", 4},
+      {"diff C A --fail-above leaked=1G", 4},
+      {"diff A C --fail-above leaked=1G --allow-incomplete", 0},
+      {"diff A C --fail-above leaked=0 --allow-incomplete", 3},
+  };
+  for (const auto& [arguments, status] : cases) {
+    const auto run = kivdb(arguments);
+    EXPECT_EQ(run.status, status) << arguments << ": " << run.err;
+    EXPECT_EQ(run.err.empty(), status == 0) << arguments << ": " << run.err;
+  }
+  EXPECT_NE(kivdb("report C").out.find("NOT COMPLETE"), std::string::npos);
+}
+
+TEST_F(Kivdb, WrongUsageIsStatus1) {
+  write_runs();
+  ASSERT_EQ(kivdb("import A B -o t.db").status, 0);
+  for (const char* arguments : {"",
+                                "nonsense",
+                                "report",
+                                "report ''",
+                                "report A --run ''",
+                                "report A --run=",
+                                "report A --by ''",
+                                "report A --by size",
+                                "report A --by line,",
+                                "report A --of peak,size",
+                                "report A --top 0",
+                                "report A --top x",
+                                "report A --top ''",
+                                "report A --focus ''",
+                                "report A --focus '('",
+                                "report A --csv --json",
+                                "tree A --min-share 101",
+                                "tree A --of ''",
+                                "diff A",
+                                "diff A B C D",
+                                "diff A B --fail-above ''",
+                                "diff A B --fail-above 64K",
+                                "diff A B --fail-above leaked",
+                                "diff A B --fail-above leaked=",
+                                "diff A B --fail-above size=1",
+                                "diff A B --fail-above leaked=-1",
+                                "import A",
+                                "import A -o ''",
+                                "import A -o u.db --as ''",
+                                "import A B -o u.db --as X",
+                                "trend t.db --last 0",
+                                "forget t.db",
+                                "show t.db",
+                                "sql t.db",
+                                "sql t.db ''",
+                                "sql t.db 'SELEC'"}) {
+    const auto run = kivdb(arguments);
+    EXPECT_EQ(run.status, 1) << arguments << ": " << run.err;
+    EXPECT_FALSE(run.err.empty()) << arguments;
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir_ / "u.db"));
+}
+
+TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
+  write_runs();
+  ASSERT_EQ(kivdb("import A -o t.db").status, 0);
+  std::ofstream(dir_ / "text") << "no header and no database";
+  std::filesystem::create_directory(dir_ / "empty");
+  std::filesystem::copy(dir_ / "A", dir_ / "again");
+  const struct {
+    const char *arguments, *message;
+  } cases[] = {
+      {"report nowhere", "nowhere: No such file"},
+      {"report text", "text"},
+      {"report empty", "empty: no header file"},
+      {"report A --run B", "no run 'B'"},
+      {"report t.db --run B", "'B'"},
+      {"report A --process nobody", "no process 'nobody'"},
+      {"diff A B --process nobody", "'nobody'"},
+      {"diff t.db A NOPE", "'NOPE'"},
+      {"show t.db by_line --run NOPE", "'NOPE'"},
+      {"show t.db nothing", "nothing"},
+      {"show text by_line", "text: "},
+      {"trend A", "A: "},
+      {"runs nowhere.db", "nowhere.db: "},
+      {"forget t.db NOPE", "'NOPE'"},
+      {"forget nowhere.db A", "nowhere.db: "},
+      {"import A A -o u.db", "given twice"},
+      {"import A A/kiv.41.kivhdr -o u.db", "given twice"},
+      {"import A again -o u.db", "a second trace of run 'A' and process 41"},
+      {"import A -o nowhere/u.db", "nowhere/u.db: "},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const auto run = kivdb(arguments);
+    EXPECT_EQ(run.status, 2) << arguments << ": " << run.err;
+    EXPECT_NE(run.err.find(message), std::string::npos) << arguments << ": " << run.err;
+  }
+  EXPECT_EQ(kivdb("report A --json", "/dev/full").status, 2);
+  EXPECT_NE(read_file(dir_ / "err").find("could not be written"), std::string::npos);
+  for (const char* left : {"u.db", "nowhere.db", "text-wal"}) {
+    EXPECT_FALSE(std::filesystem::exists(dir_ / left)) << left;
+  }
+}
+
+TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
+  for (const std::string command :
+       {"import", "report", "tree", "diff", "trend", "runs", "forget", "show", "views", "sql"}) {
+    const auto run = kivdb(command + " --help");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.out.find("Example: kivdb " + command), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("--json"), std::string::npos) << command;
+  }
+  EXPECT_EQ(kivdb("--version").out.substr(0, 6), "kivdb ");
+}
+
+}  // namespace
+}  // namespace kiv::test

@@ -1,0 +1,95 @@
+#include <map>
+
+#include "store/view_catalogue.h"
+#include "store_fixture.h"
+
+namespace kiv::test {
+namespace {
+
+class StoreViews : public store_test {};
+
+TEST_F(StoreViews, AllAreDescribedAndCanBeRead) {
+  ASSERT_EQ(save({"R", {rich_profile("R", 1)}}), save_result::saved);
+  EXPECT_GT(store::views().size(), 20u);
+  for (const auto& view : store::views()) {
+    EXPECT_GT(view.description.size(), 10u) << view.name;
+    EXPECT_EQ(view.select.find("{{"), std::string_view::npos) << view.name;
+    const auto all = rows("SELECT * FROM " + std::string(view.name) + " WHERE run = 'R'");
+    ASSERT_FALSE(all.empty()) << view.name;
+    EXPECT_NE(all.back()[0], '!') << view.name << ": " << all.back();
+    EXPECT_TRUE(rows("SELECT * FROM " + std::string(view.name) + " WHERE run = 'S'").empty());
+  }
+}
+
+// Every way to group the blocks gives the same sums, which are those of the groups themselves.
+TEST_F(StoreViews, EveryKeyAddsUpToTheGroups) {
+  const run_profile run{"R", {rich_profile("R", 1, 4), rich_profile("R", 2, 5)}};
+  ASSERT_EQ(save(run), save_result::saved);
+  std::map<std::string, amount> sums;
+  const std::pair<const char*, figure> names[] = {
+      {"allocated", figure::made},     {"freed", figure::freed}, {"reset", figure::reset},
+      {"released", figure::released},  {"live", figure::live},   {"peak", figure::at_peak},
+      {"temporary", figure::temporary}};
+  for (const auto& trace : run.traces) {
+    for (const auto& g : trace.groups) {
+      for (const auto& [name, which] : names) sums[name] += g[which];
+      sums["leaked"] += g.leaked();
+    }
+  }
+  ASSERT_NE(sums["leaked"], sums["live"]);
+  for (const char* view : {"by_id", "by_color", "by_line", "by_function", "by_path", "by_process",
+                           "by_query", "with_free_no_free", "run_summary"}) {
+    for (const auto& [name, sum] : sums) {
+      EXPECT_EQ(rows("SELECT sum(" + name + "_blocks), sum(" + name + "_bytes), sum(" + name +
+                     "_tot_bytes) FROM " + view),
+                texts{std::to_string(sum.blocks) + '|' + std::to_string(sum.bytes) + '|' +
+                      std::to_string(sum.tot_bytes)})
+          << view << ' ' << name;
+    }
+  }
+}
+
+TEST_F(StoreViews, ShowNamesAsTexts) {
+  auto p = rich_profile("R", 7);
+  p.ids[1].name = "oic cache";
+  p.lines[2] = "b.c:2";
+  ASSERT_EQ(save({"R", {p}}), save_result::saved);
+  const struct {
+    const char* sql;
+    texts expected;
+  } cases[] = {
+      {"SELECT DISTINCT id_name FROM by_id ORDER BY 1", {"big", "oic cache", "unknown id"}},
+      {"SELECT id_name, color_name FROM by_color ORDER BY 1",
+       {"big|red", "oic cache|red", "unknown id|unknown colour"}},
+      {"SELECT source_line FROM by_line ORDER BY 1", {"a.c:1", "b.c:2", "unknown line"}},
+      {"SELECT function FROM by_function ORDER BY 1", {"libx:f", "liby:g<int, char>", "unknown"}},
+      {"SELECT depth, path FROM paths ORDER BY 1",
+       {"0|(no function)", "1|libx:f", "2|libx:f > liby:g<int, char>",
+        "3|libx:f > liby:g<int, char> > libx:f"}},
+      {"SELECT process_pid, process_name FROM by_process ORDER BY 1",
+       {"0|default process", "7|app"}},
+      {"SELECT kind, from_size, to_size, blocks FROM sizes ORDER BY 2",
+       {"with free|0|0|4", "no free|2147483648|4294967295|5"}},
+      {"SELECT from_records, to_records, id_name FROM lifetimes_by_id", {"128|255|oic cache"}},
+      {"SELECT kind, process_name, path, count, bytes FROM heap_growth ORDER BY kind",
+       {"gap|default process|(no function)|1|-16", "growth|app|libx:f > liby:g<int, char>|3|4096"}},
+      {"SELECT marker, live_bytes, live_change FROM marker_change", {"0|100|100", "1|50|-50"}},
+      {"SELECT marker, id_name, live_bytes, live_change FROM marker_change_by_id ORDER BY 1, 2",
+       {"0|big|40|40", "0|oic cache|60|60", "1|oic cache|10|-50"}},
+      {"SELECT what, count, first FROM losses", {"cut|3|in file x", "unknown record|1|"}},
+      {"SELECT complete, from_rows, records FROM run_summary", {"0|0|4000000000000"}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(rows(c.sql), c.expected) << c.sql;
+}
+
+// The text of a path is bounded, and so is the time for all of them.
+TEST_F(StoreViews, BoundTheTextsOfDeepPaths) {
+  auto p = rich_profile("R", 7);
+  for (std::uint32_t i = 4; i < 10'000; ++i) p.paths.push_back({i - 1, 2});
+  ASSERT_EQ(save({"R", {p}}), save_result::saved);
+  const auto deepest = rows("SELECT max(depth), max(length(path)) < 5000, count(*) FROM paths");
+  EXPECT_EQ(deepest, texts{"9999|1|10000"});
+}
+
+}  // namespace
+}  // namespace kiv::test
