@@ -5,8 +5,9 @@
 namespace kiv {
 
 group_table::handle group_table::find_or_add(const group_key& key) {
-  if (const auto known = index_.find(key); known != index_.end()) return *known;
   if (index_.size() >= max_groups && !key.folded) {
+    const auto known = index_.find(hashed_key{key, absl::Hash<group_key>{}(key)});
+    if (known != index_.end()) return *known;
     ++blocks_folded_;
     group_key folded;
     folded.id = key.id;
@@ -15,6 +16,11 @@ group_table::handle group_table::find_or_add(const group_key& key) {
     folded.folded = true;
     return find_or_add(folded);
   }
+  const hashed_key hashed{key, absl::Hash<group_key>{}(key)};
+  return *index_.lazy_emplace(hashed, [&](const auto& construct) { construct(add(hashed)); });
+}
+
+group_table::handle group_table::add(const hashed_key& key) {
   handle place = 0;
   if (free_.empty()) {
     place = static_cast<handle>(groups_.size());
@@ -24,9 +30,10 @@ group_table::handle group_table::find_or_add(const group_key& key) {
     free_.pop_back();
     groups_[place] = {};
   }
-  groups_[place].key = key;
-  groups_[place].peaks_seen = peaks_;
-  index_.insert(place);
+  group& added = groups_[place];
+  added.key = key.key;
+  added.hash = key.hash;
+  added.peaks_seen = peaks_;
   return place;
 }
 
@@ -34,6 +41,7 @@ group_table::handle group_table::set_query(handle which, std::uint64_t query) {
   group& renamed = groups_[which];
   index_.erase(which);
   renamed.key.query = query;
+  renamed.hash = absl::Hash<group_key>{}(renamed.key);
   const auto [entry, added] = index_.insert(which);
   if (added) return which;
   group& kept = groups_[*entry];

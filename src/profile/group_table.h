@@ -41,6 +41,7 @@ class group_table {
 
   struct group {
     group_key key;
+    std::size_t hash = 0;  // of the key
     std::uint64_t resizes = 0;
     std::uint64_t peaks_seen = 0;  // `at_peak` is of the peak with this number
     std::array<amount, figure_count> figures{};
@@ -94,19 +95,26 @@ class group_table {
     changed.peaks_seen = peaks_;
   }
 
+  // A key is hashed once, also when the index grows.
+  struct hashed_key {
+    const group_key& key;
+    std::size_t hash;
+  };
   struct hash {
     using is_transparent = void;
-    std::size_t operator()(const group_key& key) const { return absl::Hash<group_key>{}(key); }
-    std::size_t operator()(handle which) const { return (*this)((*groups)[which].key); }
+    std::size_t operator()(const hashed_key& key) const { return key.hash; }
+    std::size_t operator()(handle which) const { return (*groups)[which].hash; }
     const std::vector<group>* groups;
   };
   struct equal {
     using is_transparent = void;
-    bool operator()(handle a, handle b) const { return a == b; }
-    bool operator()(handle a, const group_key& b) const { return (*groups)[a].key == b; }
-    bool operator()(const group_key& a, handle b) const { return (*groups)[b].key == a; }
+    bool operator()(handle a, handle b) const { return (*groups)[a].key == (*groups)[b].key; }
+    bool operator()(handle a, const hashed_key& b) const { return (*groups)[a].key == b.key; }
+    bool operator()(const hashed_key& a, handle b) const { return (*groups)[b].key == a.key; }
     const std::vector<group>* groups;
   };
+
+  handle add(const hashed_key& key);
 
   std::vector<group> groups_;
   std::vector<handle> free_;  // places of groups that were merged into others
