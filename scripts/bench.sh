@@ -33,8 +33,8 @@ instructions() {
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" "$kiv" -H "$header" 2>&1 >/dev/null |
     sed -n 's/.*Collected *: *//p'
 }
-replay='kiv::kiv_reader::ReadEvents()'
-memory_row='kiv::KivMemory::write_row() const'
+replay='kiv::kiv_reader::ReadEvents(kiv::replay_observer&)'
+memory_row='kiv::kiv_tables::write_memory_row(kiv::memory_change const&)'
 
 # per_record NAME MORE_INSTRUCTIONS FEWER RECORDS
 per_record() { printf '  %-34s %8d\n' "$1" "$((($2 - $3) / $4))"; }
