@@ -169,7 +169,8 @@ TEST(Profile, TheStatementOfABracketIsKnownWhenItEnds) {
 TEST(Profile, TheTimelineIsBoundedAndKeepsHighestAndLast) {
   trace t;
   t.reserve(1, "one").reserve(2, "two");
-  std::mt19937 random(3);
+  std::mt19937 engine(3);
+  const auto random = [&] { return static_cast<std::uint32_t>(engine()); };
   std::vector<std::array<std::uint64_t, 3>> live{{0, 0, 0}};  // after each record: all, by id
   std::vector<std::pair<std::uint32_t, std::uint32_t>> blocks;
   constexpr std::size_t records = 4'321;
