@@ -1,9 +1,10 @@
 #include "kivdb/load_tables.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "kivdb/messages.h"
-#include "output/csv_file_sequence.h"
+#include "tables/csv_names.h"
 #include "report/printable.h"
 #include "rows/load_rows.h"
 
