@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <vector>
@@ -206,9 +207,10 @@ void order(service& s, u32 number) {
   s.wait(40);
 }
 
-void write_mix(service& s) {
+void write_mix(service& s, const std::string& run, u32 orders_taken) {
   trace& t = s.t;
   announce(s);
+  t.runid(run);
   s.wait(12);
   t.marker("service is up");
   const i64 session = s.take(server_id, 0, 2000, 3);
@@ -231,7 +233,7 @@ void write_mix(service& s) {
   s.free_id(xml_id, 5);
   const i64 work = s.take(batch_id, 0, 3000, 7);
   s.run(server);
-  for (u32 number = 5; number < 8; ++number) order(s, number);
+  for (u32 number = 5; number < orders_taken; ++number) order(s, number);
   s.run(batch);
   s.give_back(work, 7);
   t.flow_out();
@@ -260,13 +262,15 @@ void write_mix(service& s) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fputs("usage: make_mix DIR\n", stderr);
+  // Another run of the same service has another name and takes another number of orders.
+  if (argc != 2 && argc != 4) {
+    std::fputs("usage: make_mix DIR [RUN ORDERS]\n", stderr);
     return 1;
   }
+  const std::string run = argc == 4 ? argv[2] : "MIX";
   service s;
-  write_mix(s);
-  if (!s.t.write(argv[1], "./MIX")) {
+  write_mix(s, run, argc == 4 ? static_cast<u32>(std::strtoul(argv[3], nullptr, 10)) : 8);
+  if (!s.t.write(argv[1], "./" + run)) {
     std::fprintf(stderr, "make_mix: cannot write to %s\n", argv[1]);
     return 2;
   }

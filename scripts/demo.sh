@@ -4,7 +4,7 @@
 set -eu
 
 program=$(realpath "$1/src/kiv")
-kivdb=$(realpath "$1/kivdb/kivdb")
+kivdb=$(realpath "$1/src/kivdb")
 cd "$(dirname "$0")/.."
 rm -rf build/demo
 mkdir -p build/demo
@@ -63,11 +63,15 @@ done | sort -u | while read -r run; do
   printf '  SQL import script: build/demo/%s\n' "$run"/kiv.*.sql
 done
 
-runs=$(for run in */; do echo "${run%/}"; done)
-printf '\n== From tables to answers\n'
-printf '  $ kivdb import %s -o runs.db\n' "$(echo "$runs" | tr '\n' ' ' | sed 's/ $//')"
-echo "$runs" | xargs "$kivdb" import -o runs.db
-printf '\n  $ kivdb report runs.db --run MIX --top 3\n'
-"$kivdb" report runs.db --run MIX --top 3
+printf '\n== From traces to answers\n'
+printf '  $ kivdb report MIX --top 3\n'
+"$kivdb" report MIX --top 3
+for run in */; do
+  run=${run%/}
+  printf '\n  $ kivdb import %s -o runs.db\n' "$run"
+  "$kivdb" import "$run" -o runs.db
+done
+printf '\n  $ kivdb trend runs.db\n'
+"$kivdb" trend runs.db
 printf '\nWhat the columns mean: docs/tables.md. What to ask: docs/database.md, kivdb views.\n'
 printf 'The database: build/demo/runs.db\n'

@@ -39,13 +39,14 @@ int run_diff(const diff_arguments& arguments) {
   }
   options.by = arguments.list.by();
   options.of = arguments.list.of();
-  options.top = arguments.top.for_scripts();
+  const report::print_style style = arguments.output.style();
+  if (style.format != report::output_format::terminal) options.top = arguments.top.for_scripts();
   std::string error;
   run_profile a, b;
   if (!load_both(arguments.runs, a, b, error)) return complain(error);
   report::run_diff diff;
   if (!report::make_diff(a, b, options, diff, error)) return complain(error);
-  report::print_diff(std::cout, diff, arguments.output.style(), arguments.top.for_people());
+  report::print_diff(std::cout, diff, style, arguments.top.for_people());
   if (const int status = finish_output()) return status;
   const std::string verdict = report::verdict_in_words(diff);
   if (verdict.empty()) return status_done;

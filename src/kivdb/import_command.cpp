@@ -2,10 +2,12 @@
 
 #include <chrono>
 #include <iostream>
+#include <map>
 #include <memory>
 
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
+#include "kivdb/load_tables.h"
 #include "kivdb/messages.h"
 #include "kivdb/shared_options.h"
 #include "report/human.h"
@@ -23,32 +25,10 @@ struct import_arguments {
   std::vector<std::string> sources;
   std::string file;
   std::optional<std::string> name;
+  bool rows = false;
+  std::string sd, sf;  // separators of the tables; empty: read off the files
   output_options output;
 };
-
-std::string joined(const std::vector<std::string>& texts) {
-  std::string all;
-  for (const auto& text : texts) all += (all.empty() ? "" : " ") + text;
-  return all;
-}
-
-// Traces are replayed, runs of databases copied.
-bool load_all(const std::vector<std::string>& sources, std::vector<run_profile>& runs,
-              std::string& error) {
-  std::vector<std::string> traces;
-  for (const auto& source : sources) {
-    const auto kind = kind_of_source(source, error);
-    if (!kind) return false;
-    if (*kind != source_kind::database) {
-      traces.push_back(source);
-      continue;
-    }
-    error = source + ": a database; `import` takes traces";
-    return false;
-  }
-  std::vector<std::string> headers;
-  return find_headers(traces, headers, error) && replay(headers, runs, error);
-}
 
 // What is missing in a run, for the error stream.
 void warn_of_losses(const run_profile& run) {
@@ -59,6 +39,12 @@ void warn_of_losses(const run_profile& run) {
                            lost.first.empty() ? "" : " (first: " + lost.first + ")"));
     }
   }
+}
+
+std::string_view how_complete(const run_profile& run) {
+  if (report::is_complete(run)) return "complete";
+  const bool from_rows = std::ranges::any_of(run.traces, &profile::from_rows);
+  return from_rows ? "computed from CSV tables" : "NOT COMPLETE";
 }
 
 class import_printer {
@@ -85,7 +71,7 @@ class import_printer {
     }
     std::cout << fmt::format("run {}: {}, {} {} of {} memory records, {}\n", quoted_name(run.name),
                              result, run.traces.size(), run.traces.size() == 1 ? "trace" : "traces",
-                             report::grouped(records), complete ? "complete" : "NOT COMPLETE");
+                             report::grouped(records), how_complete(run));
   }
   void finish() {
     if (table_) table_->finish();
@@ -96,15 +82,42 @@ class import_printer {
   std::optional<report::table_printer> table_;
 };
 
+std::optional<char> separator(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional(text[0]);
+}
+
+store::save_result save(store::run_store& database, const run_profile& run,
+                        const std::string& source, const run_tables* tables, std::string& error) {
+  store::save_options options{source};
+  if (tables) {
+    const auto loader = tables->loader(run, error);
+    if (!loader) return store::save_result::failed;
+    options.rows = *loader;
+  }
+  return database.save(run, options, error);
+}
+
 int run_import(const import_arguments& arguments) {
+  if (arguments.sd.size() > 1 || arguments.sf.size() > 1) {
+    return complain("a separator is one character", status_usage);
+  }
+  const rows::row_options options{separator(arguments.sd), separator(arguments.sf)};
   std::string error;
+  found_sources found;
   std::vector<run_profile> runs;
-  if (!load_all(arguments.sources, runs, error)) return complain(error);
+  std::map<std::string, std::string> run_sources;
+  run_tables tables(options);
+  if (!find_sources(arguments.sources, found, error) ||
+      !read_sources(found, options, runs, run_sources, error) ||
+      (arguments.rows && !tables.find(found, error))) {
+    return complain(error);
+  }
   if (arguments.name) {
     if (runs.size() > 1) {
       return complain(fmt::format("--as names one run, but there are {}", runs.size()),
                       status_usage);
     }
+    run_sources[*arguments.name] = run_sources[runs.front().name];
     runs.front().name = *arguments.name;
   }
   store::run_store database;
@@ -115,7 +128,8 @@ int run_import(const import_arguments& arguments) {
   int status = status_done;
   for (const auto& run : runs) {
     warn_of_losses(run);
-    const auto result = database.save(run, {joined(arguments.sources)}, error);
+    const auto result =
+        save(database, run, run_sources[run.name], arguments.rows ? &tables : nullptr, error);
     if (result == store::save_result::saved || result == store::save_result::replaced) {
       printer.add(run, result == store::save_result::replaced);
     } else {
@@ -136,6 +150,12 @@ command add_import(CLI::App& program) {
   app->add_option("-o,--output", arguments->file, "Database file; made when there is none")
       ->required();
   app->add_option("--as", arguments->name, "Name of the run, in place of its run id");
+  app->add_flag("--rows", arguments->rows,
+                "Load the CSV tables too, for SQL of your own; `kiv -R` writes them");
+  app->add_option("--sd", arguments->sd,
+                  "Separator that kiv was given with -sd, if its tables do not show it");
+  app->add_option("--sf", arguments->sf,
+                  "Separator that kiv was given with -sf, if its tables do not show it");
   arguments->output.add_to(*app);
   app->footer("Example: kivdb import R42/ -o nightly.db");
   return {app, [arguments] { return run_import(*arguments); }};

@@ -8,7 +8,7 @@
 namespace kiv::db {
 
 int complain(std::string_view what, exit_status status) {
-  std::cerr << "kivdb: " << report::printable(what) << '\n';
+  std::cerr << "kivdb: " << printable(what) << '\n';
   return status;
 }
 

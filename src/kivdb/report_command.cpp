@@ -1,15 +1,20 @@
 #include <iostream>
 #include <memory>
+#include <ranges>
 
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
 #include "kivdb/messages.h"
 #include "kivdb/shared_options.h"
 #include "report/print_report.h"
+#include "report/printable.h"
 #include "report/run_report.h"
+#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
+
+constexpr std::size_t most_other_runs = 10;
 
 struct report_arguments {
   std::string source;
@@ -20,6 +25,27 @@ struct report_arguments {
   output_options output;
 };
 
+// For people: that a database has more runs than the one that is shown.
+void print_other_runs(const std::string& path, const std::string& shown) {
+  std::string error, others;
+  const auto kind = kind_of_source(path, error);
+  if (!kind || *kind != source_kind::database) return;
+  store::run_store database;
+  if (!database.open(path, store::open_mode::read_only, error)) return;
+  const auto runs = database.runs(error);
+  if (!runs || runs->size() < 2) return;
+  std::size_t left = most_other_runs;
+  for (const auto& run : *runs | std::views::reverse) {
+    if (run.name == shown) continue;
+    if (left-- == 0) {
+      others += ", ...";
+      break;
+    }
+    others += (others.empty() ? "" : ", ") + report::quoted_name(run.name);
+  }
+  std::cout << "\nOther runs (--run): " << others << '\n';
+}
+
 int run_report(const report_arguments& arguments) {
   std::string error;
   std::vector<run_profile> runs;
@@ -28,13 +54,14 @@ int run_report(const report_arguments& arguments) {
   const bool for_people = style.format == report::output_format::terminal;
   report::report_options options;
   options.lists = report::chosen_lists(arguments.lists.by(), arguments.lists.of(), for_people);
-  options.top = arguments.top.for_scripts();
+  if (!for_people) options.top = arguments.top.for_scripts();
   options.filter = arguments.filter;
   std::vector<report::run_report> reports(runs.size());
   for (std::size_t i = 0; i < runs.size(); ++i) {
     if (!report::make_report(runs[i], options, reports[i], error)) return complain(error);
   }
   report::print_reports(std::cout, reports, style, arguments.top.for_people());
+  if (for_people && !arguments.run) print_other_runs(arguments.source, runs.front().name);
   return finish_output();
 }
 

@@ -24,6 +24,29 @@ std::string listed(const Names& names) {
   return list;
 }
 
+// At commas; nothing for an empty text.
+std::vector<std::string> split(const std::string& text) {
+  std::vector<std::string> parts;
+  for (std::size_t at = 0; !text.empty() && at <= text.size();) {
+    const std::size_t comma = std::min(text.find(',', at), text.size());
+    parts.push_back(text.substr(at, comma - at));
+    at = comma + 1;
+  }
+  return parts;
+}
+
+// Accepts words of a list, separated by commas.
+CLI::Validator each_of(const std::vector<std::string>& known) {
+  return {[known](const std::string& text) {
+            for (const auto& word : split(text)) {
+              if (std::ranges::find(known, word) != known.end()) continue;
+              return "'" + word + "' is none of " + listed(known);
+            }
+            return std::string();
+          },
+          ""};
+}
+
 template <class Found>
 void add_once(std::vector<Found>& all, Found next) {
   if (std::ranges::find(all, next) == all.end()) all.push_back(next);
@@ -61,7 +84,7 @@ void add_filter(CLI::App& command, report::filter_options& filter) {
   const CLI::Validator is_expression(
       [](const std::string& pattern) {
         std::string error;
-        report::group_filter().set({.focus = pattern}, error);
+        report::group_filter().set({pattern, {}, {}}, error);
         return error;
       },
       "");
@@ -89,22 +112,20 @@ void list_option::add_measure_to(CLI::App& command, const std::string& what_for)
 
 void lists_option::add_to(CLI::App& command) {
   command.add_option("--by", by_, "What to group by: " + listed(report::key_names))
-      ->delimiter(',')
-      ->check(CLI::IsMember(words(report::key_names)));
+      ->check(each_of(words(report::key_names)));
   command.add_option("--of", of_, "What to add up: " + listed(report::measure_names))
-      ->delimiter(',')
-      ->check(CLI::IsMember(words(report::measure_names)));
+      ->check(each_of(words(report::measure_names)));
 }
 
 std::vector<report::group_key> lists_option::by() const {
   std::vector<report::group_key> keys;
-  for (const auto& name : by_) add_once(keys, *report::find_key(name));
+  for (const auto& name : split(by_)) add_once(keys, *report::find_key(name));
   return keys;
 }
 
 std::vector<report::measure> lists_option::of() const {
   std::vector<report::measure> measures;
-  for (const auto& name : of_) add_once(measures, *report::find_measure(name));
+  for (const auto& name : split(of_)) add_once(measures, *report::find_measure(name));
   return measures;
 }
 

@@ -57,7 +57,7 @@ class lists_option {
   std::vector<report::measure> of() const;
 
  private:
-  std::vector<std::string> by_, of_;
+  std::string by_, of_;
 };
 
 }  // namespace kiv::db

@@ -40,7 +40,8 @@ command add_sql(CLI::App& program) {
   arguments->top.add_to(*app);
   arguments->output.add_to(*app);
   app->footer(
-      "Example: kivdb sql nightly.db \"SELECT name, leaked_bytes FROM by_line WHERE run = 'R42'\"");
+      "Example: kivdb sql nightly.db \"SELECT source_line, leaked_bytes FROM by_line WHERE run = "
+      "'R42'\"");
   return {app, [arguments] { return run_sql(*arguments); }};
 }
 

@@ -44,8 +44,10 @@ int run_trend(const trend_arguments& arguments) {
   if (!trend.process_was_seen()) {
     return complain("no run has a process " + report::quoted_name(*options.filter.process));
   }
-  trend.finish(arguments.top.for_scripts());
-  report::print_trend(std::cout, trend, arguments.output.style(), arguments.top.for_people());
+  const report::print_style style = arguments.output.style();
+  const bool for_people = style.format == report::output_format::terminal;
+  trend.finish(for_people ? std::nullopt : arguments.top.for_scripts());
+  report::print_trend(std::cout, trend, style, arguments.top.for_people());
   return finish_output();
 }
 

@@ -95,7 +95,8 @@ bool make_tree(const run_profile& run, const tree_options& options, call_tree& i
   group_filter filter;
   if (!filter.set(options.filter, error)) return false;
   if (!filter.knows_process(run)) {
-    error = "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
+    error =
+        "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
     return false;
   }
   into.run = &run;

@@ -157,7 +157,10 @@ void print_rows(std::ostream& out, const run_diff& diff, const print_style& styl
   if (changed > 0) table.finish();
   if (changed > top) out << "  ... and " << grouped(changed - top) << " more that changed\n";
   const std::uint64_t same = diff.rows.size() - changed;
-  if (same > 0) out << "  " << grouped(same) << (changed > 0 ? " others" : "") << " unchanged\n";
+  if (same > 0) {
+    const char* others = changed == 0 ? "" : same == 1 ? " other" : " others";
+    out << "  " << grouped(same) << others << " unchanged\n";
+  }
   if (diff.left_out > 0) {
     out << "  ... and " << grouped(std::uint64_t{diff.left_out}) << " that --top left out\n";
   }
@@ -185,8 +188,8 @@ void print_verdict(std::ostream& out, const run_diff& diff, const limit_verdict&
 void print_text(std::ostream& out, const run_diff& diff, const print_style& style,
                 std::size_t top) {
   const auto& options = diff.options;
-  out << bold("Run " + quoted_name(diff.a->name) + " -> run " + quoted_name(diff.b->name), style) << ": "
-      << title_of(options.of) << ", by " << title_of(options.by) << '\n';
+  out << bold("Run " + quoted_name(diff.a->name) + " -> run " + quoted_name(diff.b->name), style)
+      << ": " << title_of(options.of) << ", by " << title_of(options.by) << '\n';
   for (const auto* run : {diff.a, diff.b}) {
     if (is_complete(*run)) continue;
     out << alarming("Run " + quoted_name(run->name) + " is not known to be complete.", style)

@@ -112,14 +112,15 @@ void print_report(std::ostream& out, const run_report& report, const print_style
   for (const auto& list : report.lists) print_list(out, report, list, style, top);
   if (report.complete) return;
   out << '\n' << alarming("This run is not known to be complete:", style);
-  if (report.from_rows) {
-    out << " its figures were computed from CSV tables.\n";
-    return;
+  std::uint64_t lossy = 0;
+  for (const auto& figures : report.traces) lossy += figures.trace->losses.empty() ? 0 : 1;
+  if (lossy > 0) {
+    out << ' ' << grouped(lossy) << (lossy == 1 ? " trace" : " traces")
+        << " with losses, which are named above.";
   }
-  std::size_t lossy = 0;
-  for (const auto& figures : report.traces) lossy += figures.trace->complete() ? 0 : 1;
-  out << ' ' << grouped(std::uint64_t{lossy}) << (lossy == 1 ? " trace" : " traces")
-      << " with losses, which are named above.\n";
+  if (report.from_rows) out << " Its figures were computed from CSV tables.";
+  if (report.traces.empty()) out << " it has no trace.";
+  out << '\n';
 }
 
 }  // namespace

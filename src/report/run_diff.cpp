@@ -89,10 +89,11 @@ std::string verdict_in_words(const run_diff& diff) {
   if (!diff.judged) {
     std::string which;
     for (const auto* run : {diff.a, diff.b}) {
-      if (!is_complete(*run)) which += (which.empty() ? "" : " and ") + quoted_name(run->name);
+      if (!is_complete(*run))
+        which += (which.empty() ? "run " : " and run ") + quoted_name(run->name);
     }
-    return "not judged: run " + which +
-           " is not known to be complete (--allow-incomplete judges all the same)";
+    return "not judged, since not known to be complete: " + which +
+           " (--allow-incomplete judges all the same)";
   }
   std::string words;
   for (const auto& verdict : diff.verdicts) {

@@ -73,7 +73,8 @@ bool make_report(const run_profile& run, const report_options& options, run_repo
   group_filter filter;
   if (!filter.set(options.filter, error)) return false;
   if (!filter.knows_process(run)) {
-    error = "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
+    error =
+        "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
     return false;
   }
   into.run = &run;

@@ -40,12 +40,9 @@ std::string when(const profile& trace) {
 }
 
 void print_losses(std::ostream& out, const profile& trace, const print_style& style) {
-  if (trace.from_rows) {
-    item(out, style, "complete", "unknown: computed from CSV tables, which tell of no losses");
-    return;
-  }
   if (trace.losses.empty()) {
-    item(out, style, "complete", "yes");
+    item(out, style, "complete",
+         trace.from_rows ? "unknown: computed from CSV tables, which do not tell" : "yes");
     return;
   }
   out << "  " << alarming("NOT COMPLETE", style) << " this is missing or wrong in the trace:\n";
@@ -132,7 +129,7 @@ void print_trace(std::ostream& out, const trace_figures& figures, bool is_filter
   item(out, style, "heap",
        human_bytes(trace.heap_bytes) + " grown, " + human_bytes(trace.gap_bytes) + " of gaps");
   print_memory_over_time(out, trace, style);
-  for (const auto& note : trace.notes) item(out, style, "note", printable(note));
+  for (const auto& note : trace.notes) item(out, {.color = style.color}, "note", printable(note));
   out << '\n';
   if (is_filtered) out << "  Of the blocks that the filter leaves:\n";
   print_sums(out, figures, style);

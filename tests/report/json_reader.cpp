@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "report/printable.h"
+#include "util/printable.h"
 
 namespace kiv::test {
 namespace {
@@ -41,7 +41,7 @@ class reader {
     expect('"');
     std::string value;
     while (at_ < text_.size() && text_[at_] != '"') {
-      const std::size_t length = report::utf8_length(text_.substr(at_));
+      const std::size_t length = utf8_length(text_.substr(at_));
       EXPECT_GT(length, 0u) << "no UTF-8 at byte " << at_;
       EXPECT_GE(static_cast<unsigned char>(text_[at_]), 0x20) << "a bare control byte";
       if (text_[at_] == '\\') {

@@ -139,6 +139,7 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
                                 "report A --by ''",
                                 "report A --by size",
                                 "report A --by line,",
+                                "report A --by ,",
                                 "report A --of peak,size",
                                 "report A --top 0",
                                 "report A --top x",
