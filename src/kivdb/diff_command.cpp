@@ -40,7 +40,7 @@ int run_diff(const diff_arguments& arguments) {
   options.by = arguments.list.by();
   options.of = arguments.list.of();
   const report::print_style style = arguments.output.style();
-  if (style.format != report::output_format::terminal) options.top = arguments.top.for_scripts();
+  if (style.format != report::output_format::terminal) options.top = arguments.top.given();
   std::string error;
   run_profile a, b;
   if (!load_both(arguments.runs, a, b, error)) return complain(error);

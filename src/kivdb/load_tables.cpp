@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "kivdb/messages.h"
-#include "tables/csv_names.h"
 #include "report/printable.h"
 #include "rows/load_rows.h"
+#include "tables/csv_names.h"
 
 namespace kiv::db {
 

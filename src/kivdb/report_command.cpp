@@ -54,13 +54,13 @@ int run_report(const report_arguments& arguments) {
   const bool for_people = style.format == report::output_format::terminal;
   report::report_options options;
   options.lists = report::chosen_lists(arguments.lists.by(), arguments.lists.of(), for_people);
-  if (!for_people) options.top = arguments.top.for_scripts();
+  if (!for_people) options.top = arguments.top.given();
   options.filter = arguments.filter;
   std::vector<report::run_report> reports(runs.size());
   for (std::size_t i = 0; i < runs.size(); ++i) {
     if (!report::make_report(runs[i], options, reports[i], error)) return complain(error);
   }
-  report::print_reports(std::cout, reports, style, arguments.top.for_people());
+  report::print_reports(std::cout, reports, style, arguments.top.given());
   if (for_people && !arguments.run) print_other_runs(arguments.source, runs.front().name);
   return finish_output();
 }

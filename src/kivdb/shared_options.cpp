@@ -76,7 +76,7 @@ report::print_style output_options::style() const {
 void top_option::add_to(CLI::App& command) {
   command
       .add_option("--top", top_,
-                  "Only so many rows of a list (for people 10 unless told, for scripts all)")
+                  "Only so many rows of a list (unless told a few for people, all for scripts)")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
 }
 

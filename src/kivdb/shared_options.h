@@ -22,11 +22,11 @@ class output_options {
   bool csv_ = false, json_ = false;
 };
 
-// --top: how many rows; for people ten unless it is given, for scripts all.
+// --top: how many rows; unless it is given, a few for people and all for scripts.
 class top_option {
  public:
   void add_to(CLI::App& command);
-  std::optional<std::size_t> for_scripts() const { return top_; }
+  std::optional<std::size_t> given() const { return top_; }
   std::size_t for_people() const { return top_.value_or(10); }
 
  private:

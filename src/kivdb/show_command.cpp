@@ -23,7 +23,7 @@ int run_show(const show_arguments& arguments) {
   if (!database.open(arguments.file, store::open_mode::read_only, error)) return fail(error);
   auto rows = store::prepare_view(database, arguments.view, arguments.run, error);
   if (!rows) return fail(error);
-  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.for_scripts())) {
+  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.given())) {
     return fail(database.connection().error());
   }
   return finish_output();

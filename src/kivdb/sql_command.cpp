@@ -24,7 +24,7 @@ int run_sql(const sql_arguments& arguments) {
   // What is wrong with the statement is a matter of usage, what is wrong with the file is not.
   auto rows = store::prepare_query(database, arguments.sql, error);
   if (!rows) return complain(error, status_usage);
-  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.for_scripts())) {
+  if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.given())) {
     return complain_about(arguments.file, database.connection().error());
   }
   return finish_output();

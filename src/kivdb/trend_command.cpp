@@ -46,7 +46,7 @@ int run_trend(const trend_arguments& arguments) {
   }
   const report::print_style style = arguments.output.style();
   const bool for_people = style.format == report::output_format::terminal;
-  trend.finish(for_people ? std::nullopt : arguments.top.for_scripts());
+  trend.finish(for_people ? std::nullopt : arguments.top.given());
   report::print_trend(std::cout, trend, style, arguments.top.for_people());
   return finish_output();
 }

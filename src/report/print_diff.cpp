@@ -175,7 +175,9 @@ void print_verdict(std::ostream& out, const run_diff& diff, const limit_verdict&
     out << " by";
     if (verdict.by_total) {
       out << " the total (" << human_bytes(verdict.total_a.bytes) << " -> "
-          << human_bytes(verdict.total_b.bytes) << ")";
+          << human_bytes(verdict.total_b.bytes) << ", "
+          << human_change(static_cast<std::int64_t>(verdict.total_b.bytes - verdict.total_a.bytes))
+          << ")";
     }
     if (!verdict.by.empty()) {
       out << (verdict.by_total ? " and " : " ") << grouped(std::uint64_t{verdict.by.size()})

@@ -3,7 +3,7 @@
 namespace kiv::report {
 
 void print_reports(std::ostream& out, const std::vector<run_report>& reports,
-                   const print_style& style, std::size_t top) {
+                   const print_style& style, std::optional<std::size_t> top) {
   switch (style.format) {
     case output_format::terminal:
       return print_reports_as_text(out, reports, style, top);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,13 +11,14 @@
 namespace kiv::report {
 
 // Prints the reports of one answer in the format of the style. For people a list shows at most
-// `top` rows, and a run at most so many traces; for scripts all that the reports hold.
+// `top` rows, and a run at most so many traces: unless told 10, of call paths 4. For scripts all
+// that the reports hold.
 void print_reports(std::ostream& out, const std::vector<run_report>& reports,
-                   const print_style& style, std::size_t top);
+                   const print_style& style, std::optional<std::size_t> top);
 
 // The same, one format each.
 void print_reports_as_text(std::ostream& out, const std::vector<run_report>& reports,
-                           const print_style& style, std::size_t top);
+                           const print_style& style, std::optional<std::size_t> top);
 void print_reports_as_csv(std::ostream& out, const std::vector<run_report>& reports);
 void print_reports_as_json(std::ostream& out, const std::vector<run_report>& reports);
 

@@ -10,6 +10,11 @@ namespace {
 
 // Of a longer call path the innermost functions and the outermost one are shown.
 constexpr std::size_t most_frames = 8;
+constexpr std::size_t most_rows = 10, most_paths = 4;  // unless told
+
+std::size_t rows_shown(group_key by, std::optional<std::size_t> top) {
+  return top.value_or(by == group_key::path ? most_paths : most_rows);
+}
 
 std::string capital(std::string_view text) {
   std::string changed(text);
@@ -49,7 +54,7 @@ std::vector<std::string> frame_lines(const name_book& names, std::uint32_t path)
 }
 
 void print_list(std::ostream& out, const run_report& report, const group_list& list,
-                const print_style& style, std::size_t top) {
+                const print_style& style, std::optional<std::size_t> top) {
   const amount total = list.total.sum();
   out << '\n'
       << bold(capital(title_of(list.of)) + " by " + std::string(title_of(list.by)), style) << ": "
@@ -63,7 +68,7 @@ void print_list(std::ostream& out, const run_report& report, const group_list& l
   columns.push_back({"", list.by == group_key::path ? "call path, innermost function first"
                                                     : std::string(title_of(list.by))});
   aligned_table table(out, columns, style, "  ");
-  const std::size_t shown = std::min(top, list.rows.size());
+  const std::size_t shown = std::min(rows_shown(list.by, top), list.rows.size());
   split_amount hidden = list.left_out_sum;
   for (std::size_t i = shown; i < list.rows.size(); ++i) hidden += list.rows[i].sum;
   for (std::size_t i = 0; i < shown; ++i) {
@@ -91,7 +96,7 @@ void print_list(std::ostream& out, const run_report& report, const group_list& l
 }
 
 void print_report(std::ostream& out, const run_report& report, const print_style& style,
-                  std::size_t top) {
+                  std::optional<std::size_t> top) {
   out << bold("Run " + quoted_name(report.run->name), style);
   if (report.traces.size() != 1) {
     out << ": " << grouped(std::uint64_t{report.traces.size()}) << " traces";
@@ -101,12 +106,13 @@ void print_report(std::ostream& out, const run_report& report, const print_style
     out << alarming("Filtered", style) << " by " << report.filter.in_words()
         << ": sums and lists count only what the filter leaves.\n";
   }
-  for (std::size_t i = 0; i < std::min(top, report.traces.size()); ++i) {
+  const std::size_t most_traces = top.value_or(most_rows);
+  for (std::size_t i = 0; i < std::min(most_traces, report.traces.size()); ++i) {
     out << (report.traces.size() > 1 ? "\n" : "");
     print_trace(out, report.traces[i], report.filter.is_on(), style);
   }
-  if (report.traces.size() > top) {
-    out << "\n... and " << grouped(std::uint64_t{report.traces.size() - top})
+  if (report.traces.size() > most_traces) {
+    out << "\n... and " << grouped(std::uint64_t{report.traces.size() - most_traces})
         << " more traces (--top)\n";
   }
   for (const auto& list : report.lists) print_list(out, report, list, style, top);
@@ -131,7 +137,7 @@ std::string in_words(const amount& what) {
 }
 
 void print_reports_as_text(std::ostream& out, const std::vector<run_report>& reports,
-                           const print_style& style, std::size_t top) {
+                           const print_style& style, std::optional<std::size_t> top) {
   std::string_view between;
   for (const auto& report : reports) {
     out << between;

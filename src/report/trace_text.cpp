@@ -45,7 +45,7 @@ void print_losses(std::ostream& out, const profile& trace, const print_style& st
          trace.from_rows ? "unknown: computed from CSV tables, which do not tell" : "yes");
     return;
   }
-  out << "  " << alarming("NOT COMPLETE", style) << " this is missing or wrong in the trace:\n";
+  out << "  " << alarming("NOT COMPLETE", style) << ": this is missing or wrong in the trace:\n";
   for (std::size_t i = 0; i < std::min(trace.losses.size(), most_losses); ++i) {
     const loss& lost = trace.losses[i];
     out << "    " << alarming(grouped(lost.count) + " x " + printable(lost.what), style);

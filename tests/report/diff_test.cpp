@@ -138,7 +138,7 @@ TEST(Diff, TextAndCsvAsTheyArePrinted) {
      5 B    0 B    -5 B       1  -> 0  d.c:4
   1 other unchanged
   together 112 B in 4 blocks -> 167 B in 5 blocks, +55 B
-  limit leaked=20%: passed by the total (112 B -> 167 B) and 2 names
+  limit leaked=20%: passed by the total (112 B -> 167 B, +55 B) and 2 names
 )");
   compare(a, b, options, output_format::csv, csv);
   EXPECT_EQ(csv.text, R"(kind,run_a,run_b,by,of,name,a,b,change,verdict
