@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 
+#include "output/csv_file_sequence.h"
 #include "rows/import_script.h"
 
 namespace kiv::rows {
@@ -211,6 +212,11 @@ bool make_import_plan(const std::vector<std::string>& sources, import_plan& plan
     return false;
   }
   return p.finish();
+}
+
+const run_plan* find_run(const import_plan& plan, std::string_view run_id) {
+  const auto found = std::ranges::find(plan.runs, safe_runid(run_id), &run_plan::run_id);
+  return found == plan.runs.end() ? nullptr : &*found;
 }
 
 }  // namespace kiv::rows
