@@ -109,7 +109,7 @@ TEST_F(StoreFile, ImportsFollowEachOther) {
           }};
       return save(small_run("C", 1), failing) == save_result::failed;
     });
-    EXPECT_TRUE(succeeded(first) & succeeded(second) & succeeded(third));
+    for (const pid_t child : {first, second, third}) EXPECT_TRUE(succeeded(child));
     auto both = names();
     std::sort(both.begin(), both.end());
     EXPECT_EQ(both, (texts{"A", "B"}));
