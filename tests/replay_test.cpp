@@ -41,7 +41,9 @@ class counting_observer : public replay_observer {
     sizes_.erase(block);
     count(ended[static_cast<char>(by)], gone.size);
   }
-  void memory_changed(const memory_change& change) override { ++records[static_cast<char>(change.type)]; }
+  void memory_changed(const memory_change& change) override {
+    ++records[static_cast<char>(change.type)];
+  }
   void trace_ended() override { ended_well = true; }
 
   std::map<char, sum> made, ended;  // by the record's tag
@@ -118,8 +120,8 @@ TEST(Replay, TwoRunsInOneProcessAreLikeTwoProcesses) {
   for (const temp_dir* dir : {&together, &apart}) {
     ASSERT_TRUE(first.write(dir->path() + "/1", ".") && second.write(dir->path() + "/2", "."));
   }
-  for (const auto& [t, dir, given] : {std::tuple(&first, "/1", options),
-                                      std::tuple(&second, "/2", std::vector<std::string>{})}) {
+  for (const auto& [t, dir, given] :
+       {std::tuple(&first, "/1", options), std::tuple(&second, "/2", std::vector<std::string>{})}) {
     SCOPED_TRACE(dir);
     const run_result called = run_kiv(together.path() + dir, args(*t, given));
     const run_result started = run_kiv(apart.path() + dir, args(*t, given), KIV_PROGRAM);

@@ -40,9 +40,9 @@ std::map<place, figures> by_place(const profile& of) {
   std::map<place, figures> sums;
   for (const block_group& group : of.groups) {
     const profile_color& color = of.colors[group.color];
-    figures& sum = sums[{group.no_free, of.ids[group.id].name,
-                         of.ids[color.id].name + "/" + color.name, of.lines[group.line],
-                         of.processes[group.process].name, of.queries[group.query]}];
+    figures& sum =
+        sums[{group.no_free, of.ids[group.id].name, of.ids[color.id].name + "/" + color.name,
+              of.lines[group.line], of.processes[group.process].name, of.queries[group.query]}];
     for (std::size_t i = 0; i < figure_count; ++i) sum[i] += group.figures[i];
   }
   return sums;
@@ -133,7 +133,10 @@ TEST(Profile, BlocksBelongToTheCallPathThatMadeThem) {
   t.proc(7, "server").special(7, 0, "main").schedule(0, 7).reserve(3, "oic:orders").object(3);
   t.function(3, 1, "take").function(3, 2, "close").link(7, 3).hashloc(5, "a.c:1");
   t.malloc_wf(3, 0, 16, 1, 8, 5);
-  t.flow_in(7, 0, 3, 1).malloc_wf(3, 0, 32, 2, 8, 5).flow_in(3, 1, 3, 2).malloc_wf(3, 0, 48, 4, 8, 5);
+  t.flow_in(7, 0, 3, 1)
+      .malloc_wf(3, 0, 32, 2, 8, 5)
+      .flow_in(3, 1, 3, 2)
+      .malloc_wf(3, 0, 48, 4, 8, 5);
   t.flow_out().malloc_wf(3, 0, 64, 8, 8, 5).flow_in(3, 1, 3, 2).malloc_wf(3, 0, 80, 16, 8, 5);
   t.realloc(3, 0, 16, 32, 32, 5).flow_out().flow_out().malloc_wf(3, 0, 96, 64, 8, 5);
   const profile made = profile_of(t);
@@ -234,8 +237,7 @@ TEST(Profile, EveryLossHasANameAndAPlace) {
       {base().realloc(1, 0, 32, 4, 4), "1 resizes without a block (record 3 in FILE)\n"},
       {base().malloc_wf(1, 0, 16, 4, 4), "1 allocations at a live address (record 3 in FILE)\n"},
       {base().free_id(1, 9, 0), "1 totals of ids that differ (record 3 in FILE)\n"},
-      {base().bad_size(3).schedule(0, 0),
-       "1 records out of sync (record 3 in FILE)\n"},
+      {base().bad_size(3).schedule(0, 0), "1 records out of sync (record 3 in FILE)\n"},
       {base().raw(std::string("E\0\0", 3)), "1 records of unknown type (record 3 in FILE)\n"},
       {base().unclosed(), "1 header not closed (HEADER)\n"},
       {base().recorded_size(0, "9999"),
