@@ -352,7 +352,8 @@ GROUP BY g.trace, g.line;
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by call path
 CREATE VIEW by_path AS
 WITH RECURSIVE p(trace, place, depth, path) AS (
-  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  SELECT c.trace, c.place, 0, '(no function)'
+  FROM trace t JOIN call_path c ON c.trace = t.trace AND c.place = 0
   UNION ALL
   SELECT c.trace, c.place, p.depth + 1,
     CASE WHEN p.depth = 0 THEN ''
@@ -360,8 +361,8 @@ WITH RECURSIVE p(trace, place, depth, path) AS (
       ELSE p.path || ' > ' END || CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
   FROM p JOIN call_path c INDEXED BY call_path_by_parent ON c.trace = p.trace AND c.parent = p.place AND c.parent < c.place
   JOIN function_name f ON f.trace = c.trace AND f.place = c.function
-)
-SELECT r.name AS run, t.pid AS pid, p.depth, p.path,
+), s AS (
+  SELECT g.trace, g.path,
 SUM(g.made_blocks) AS allocated_blocks,
   SUM(g.made_bytes) AS allocated_bytes,
   SUM(g.made_tot_bytes) AS allocated_tot_bytes,
@@ -387,9 +388,37 @@ SUM(g.made_blocks) AS allocated_blocks,
   SUM(g.temporary_bytes) AS temporary_bytes,
   SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
   SUM(g.resizes) AS resizes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN p ON p.trace = g.trace AND p.place = g.path
-GROUP BY g.trace, g.path;
+  FROM block_group g JOIN trace t ON t.trace = g.trace
+  GROUP BY g.trace, g.path
+)
+SELECT r.name AS run, t.pid AS pid, p.depth, p.path,
+COALESCE(s.allocated_blocks, 0) AS allocated_blocks,
+  COALESCE(s.allocated_bytes, 0) AS allocated_bytes,
+  COALESCE(s.allocated_tot_bytes, 0) AS allocated_tot_bytes,
+  COALESCE(s.freed_blocks, 0) AS freed_blocks,
+  COALESCE(s.freed_bytes, 0) AS freed_bytes,
+  COALESCE(s.freed_tot_bytes, 0) AS freed_tot_bytes,
+  COALESCE(s.leaked_blocks, 0) AS leaked_blocks,
+  COALESCE(s.leaked_bytes, 0) AS leaked_bytes,
+  COALESCE(s.leaked_tot_bytes, 0) AS leaked_tot_bytes,
+  COALESCE(s.reset_blocks, 0) AS reset_blocks,
+  COALESCE(s.reset_bytes, 0) AS reset_bytes,
+  COALESCE(s.reset_tot_bytes, 0) AS reset_tot_bytes,
+  COALESCE(s.released_blocks, 0) AS released_blocks,
+  COALESCE(s.released_bytes, 0) AS released_bytes,
+  COALESCE(s.released_tot_bytes, 0) AS released_tot_bytes,
+  COALESCE(s.live_blocks, 0) AS live_blocks,
+  COALESCE(s.live_bytes, 0) AS live_bytes,
+  COALESCE(s.live_tot_bytes, 0) AS live_tot_bytes,
+  COALESCE(s.peak_blocks, 0) AS peak_blocks,
+  COALESCE(s.peak_bytes, 0) AS peak_bytes,
+  COALESCE(s.peak_tot_bytes, 0) AS peak_tot_bytes,
+  COALESCE(s.temporary_blocks, 0) AS temporary_blocks,
+  COALESCE(s.temporary_bytes, 0) AS temporary_bytes,
+  COALESCE(s.temporary_tot_bytes, 0) AS temporary_tot_bytes,
+  COALESCE(s.resizes, 0) AS resizes
+FROM s JOIN trace t ON t.trace = s.trace JOIN run r ON r.run = t.run
+CROSS JOIN p ON p.trace = s.trace AND p.place = s.path;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by process
 CREATE VIEW by_process AS
@@ -458,7 +487,8 @@ GROUP BY g.trace, g.query;
 -- growth of the heap and gaps in it, by process and call path
 CREATE VIEW heap_growth AS
 WITH RECURSIVE p(trace, place, depth, path) AS (
-  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  SELECT c.trace, c.place, 0, '(no function)'
+  FROM trace t JOIN call_path c ON c.trace = t.trace AND c.place = 0
   UNION ALL
   SELECT c.trace, c.place, p.depth + 1,
     CASE WHEN p.depth = 0 THEN ''
@@ -471,7 +501,7 @@ SELECT r.name AS run, t.pid AS pid, CASE g.gap WHEN 0 THEN 'growth' ELSE 'gap' E
   n.name AS process_name, p.path, g.count, g.bytes
 FROM heap_change g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN process_name n ON n.trace = g.trace AND n.place = g.process
-JOIN p ON p.trace = g.trace AND p.place = g.path;
+CROSS JOIN p ON p.trace = g.trace AND p.place = g.path;
 
 -- blocks that ended by how many memory records they lived
 CREATE VIEW lifetimes AS
@@ -517,7 +547,8 @@ FROM trace_note g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
 -- call paths as text, outermost function first; long ones keep their innermost part
 CREATE VIEW paths AS
 WITH RECURSIVE p(trace, place, depth, path) AS (
-  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  SELECT c.trace, c.place, 0, '(no function)'
+  FROM trace t JOIN call_path c ON c.trace = t.trace AND c.place = 0
   UNION ALL
   SELECT c.trace, c.place, p.depth + 1,
     CASE WHEN p.depth = 0 THEN ''
@@ -569,7 +600,7 @@ SUM(g.made_blocks) AS allocated_blocks,
   SUM(g.temporary_bytes) AS temporary_bytes,
   SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
   SUM(g.resizes) AS resizes
-  FROM block_group g GROUP BY g.trace
+  FROM block_group g JOIN trace t ON t.trace = g.trace GROUP BY g.trace
 )
 SELECT r.name AS run, r.imported_at, r.source, COUNT(t.trace) AS traces, r.complete,
   COALESCE(MAX(t.from_rows), 0) AS from_rows, COALESCE(SUM(t.records), 0) AS records,
@@ -618,7 +649,7 @@ SUM(g.made_blocks) AS allocated_blocks,
   SUM(g.temporary_bytes) AS temporary_bytes,
   SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
   SUM(g.resizes) AS resizes
-  FROM block_group g GROUP BY g.trace
+  FROM block_group g JOIN trace t ON t.trace = g.trace GROUP BY g.trace
 )
 SELECT r.name AS run, t.pid AS pid, t.program, t.environment, t.account, t.host, t.user, t.description, t.start_time,
   t.end_time, CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)

@@ -103,8 +103,8 @@ std::optional<query> prepare_view(run_store& store, std::string_view view,
     return std::nullopt;
   }
   if (run && !store.has_run(*run, error)) return std::nullopt;
-  std::string sql = "SELECT * FROM " + std::string(found->name);
-  if (run) sql += " WHERE run = ?1";
+  const std::string sql =
+      run ? select_of_one_run(*found) : "SELECT * FROM " + std::string(found->name);
   auto rows = query_maker(store, error).prepare(sql);
   if (rows && run) {
     rows->run_ = std::make_unique<std::string>(*run);

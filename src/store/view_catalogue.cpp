@@ -21,6 +21,12 @@ const sql_view* find_view(std::string_view name) {
   return found == views().end() ? nullptr : &*found;
 }
 
+std::string select_of_one_run(const sql_view& view) {
+  constexpr std::string_view place = "{{view}}";
+  std::string sql(find_text(store_schema(), "one_run"));
+  return sql.replace(sql.find(place), place.size(), view.select);
+}
+
 std::string schema_sql() {
   std::string sql(find_text(store_schema(), "schema"));
   for (const auto& v : views()) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 
 #include "store/view_catalogue.h"
@@ -18,6 +19,38 @@ TEST_F(StoreViews, AllAreDescribedAndCanBeRead) {
     ASSERT_FALSE(all.empty()) << view.name;
     EXPECT_NE(all.back()[0], '!') << view.name << ": " << all.back();
     EXPECT_TRUE(rows("SELECT * FROM " + std::string(view.name) + " WHERE run = 'S'").empty());
+  }
+}
+
+// A view of one run is what the view of all runs says of it.
+TEST_F(StoreViews, TakeOneRunAlone) {
+  auto other = rich_profile("S", 1);
+  other.paths.push_back({3, 2});
+  for (auto& g : other.groups) g[figure::made].bytes += 7;
+  ASSERT_EQ(save({"R", {rich_profile("R", 1), rich_profile("R", 2, 2)}}), save_result::saved);
+  ASSERT_EQ(save({"S", {other}}), save_result::saved);
+  run_store s;
+  ASSERT_TRUE(s.open(file(), open_mode::read_only, error_));
+  const auto read = [](std::optional<store::query> q) {
+    texts all;
+    while (q && q->step()) {
+      auto& row = all.emplace_back();
+      for (int i = 0; i < q->columns(); ++i) row += std::string(q->text(i)) + '|';
+    }
+    EXPECT_TRUE(q && !q->failed());
+    std::sort(all.begin(), all.end());
+    return all;
+  };
+  for (const auto& view : store::views()) {
+    for (const std::string run : {"R", "S"}) {
+      const auto one = read(store::prepare_view(s, view.name, run, error_));
+      EXPECT_FALSE(one.empty()) << view.name << error_;
+      EXPECT_EQ(
+          one,
+          read(store::prepare_query(
+              s, "SELECT * FROM " + std::string(view.name) + " WHERE run = '" + run + "'", error_)))
+          << view.name;
+    }
   }
 }
 

@@ -82,9 +82,12 @@ CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END
   COALESCE(s.temporary_tot_bytes, 0) AS temporary_tot_bytes,
   COALESCE(s.resizes, 0) AS resizes
 
+-- Joined by CROSS JOIN, so that it is read once and then looked up.
+
 -- path_texts:
 p(trace, place, depth, path) AS (
-  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  SELECT c.trace, c.place, 0, '(no function)'
+  FROM trace t JOIN call_path c ON c.trace = t.trace AND c.place = 0
   UNION ALL
   SELECT c.trace, c.place, p.depth + 1,
     CASE WHEN p.depth = 0 THEN ''

@@ -2,7 +2,7 @@
 WITH s AS (
   SELECT g.trace,
 {{figures}}
-  FROM block_group g GROUP BY g.trace
+  FROM block_group g JOIN trace t ON t.trace = g.trace GROUP BY g.trace
 )
 SELECT r.name AS run, r.imported_at, r.source, COUNT(t.trace) AS traces, r.complete,
   COALESCE(MAX(t.from_rows), 0) AS from_rows, COALESCE(SUM(t.records), 0) AS records,

@@ -2,7 +2,7 @@
 WITH s AS (
   SELECT g.trace,
 {{figures}}
-  FROM block_group g GROUP BY g.trace
+  FROM block_group g JOIN trace t ON t.trace = g.trace GROUP BY g.trace
 )
 SELECT {{trace}}, t.program, t.environment, t.account, t.host, t.user, t.description, t.start_time,
   t.end_time, CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
