@@ -119,8 +119,11 @@ TEST_F(ProfileFromRows, AgreesWithAListOfAllBlocks) {
 
 // What a broken writer leaves, too: no trace makes tables that are refused.
 TEST_F(ProfileFromRows, TakesTheTablesOfEveryTrace) {
-  std::vector<std::pair<std::string, std::function<void(trace&)>>> stories = {
-      {"every record", every_record}, {"damaged", damaged}};
+  using kiv::test::clean_stories, kiv::test::damaged_stories;
+  std::vector<std::pair<std::string, std::function<void(trace&)>>> stories;
+  for (const auto& all : {clean_stories(), damaged_stories()}) {
+    for (const auto& one : all) stories.emplace_back(one.name, one.tell);
+  }
   for (std::uint32_t seed = 1; seed <= 30; ++seed) {
     stories.emplace_back("seed " + std::to_string(seed),
                          [seed](trace& t) { random_operations(t, seed, 600); });
