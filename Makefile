@@ -38,7 +38,7 @@ package: build ## Make the Debian package, build/release/package/kiv_VERSION_ARC
 	@scripts/setup.sh package
 	@scripts/package.sh
 
-try-package: package ## Install the Debian package here and try the README's example with it
+try-package: package ## Install the Debian package here and try the documents' examples with it
 	@scripts/try_package.sh --install
 
 clean: ## Remove everything that was built

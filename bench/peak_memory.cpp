@@ -30,6 +30,6 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-  std::printf("%ld %.2f\n", usage.ru_maxrss, wall.count());
+  std::printf("%ld %.3f\n", usage.ru_maxrss, wall.count());
   return 0;
 }

@@ -5,7 +5,8 @@
 #include <iostream>
 #include <string>
 
-#include "schema.h"
+#include "rows/row_tables.h"
+#include "store/schema.h"
 #include "tsql.h"
 
 namespace {
@@ -28,9 +29,10 @@ int main(int argc, char** argv) {
   }
   const std::filesystem::path directory = argv[1];
   const bool done =
-      write(directory / "sqlite" / "schema.sql", kiv::db::sqlite_schema()) &&
-      write(directory / "sqlserver" / "1_tables.sql", kiv::db::tsql_tables()) &&
-      write(directory / "sqlserver" / "2_procedures.sql", kiv::db::tsql_procedures()) &&
-      write(directory / "sqlserver" / "3_views.sql", kiv::db::tsql_views());
+      write(directory / "sqlite" / "schema.sql", kiv::store::schema_sql()) &&
+      write(directory / "sqlite" / "rows.sql", kiv::rows::row_schema_sql()) &&
+      write(directory / "sqlserver" / "1_tables.sql", kiv::server::tsql_tables()) &&
+      write(directory / "sqlserver" / "2_procedures.sql", kiv::server::tsql_procedures()) &&
+      write(directory / "sqlserver" / "3_views.sql", kiv::server::tsql_views());
   return done ? 0 : 2;
 }

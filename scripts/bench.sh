@@ -1,12 +1,28 @@
 #!/bin/sh
-# bench.sh [TRACE_DIRECTORY ...]: builds and runs the benchmarks: times stage by stage, instructions
-# per record by record type, peak memory. Trace directories given are measured as a whole too.
+# bench.sh [--document] [TRACE_DIRECTORY ...]: builds and runs the benchmarks: times stage by stage,
+# instructions per record by record type, peak memory, reports against analyses. Trace directories
+# given are measured as a whole too. With --document what it prints also replaces the latest run in
+# docs/performance.md.
 set -eu
 cd "$(dirname "$0")/.."
+
+if [ "${1-}" = --document ]; then
+  shift
+  printed=$(mktemp)
+  "$0" "$@" | tee "$printed"
+  awk -v printed="$printed" '
+    /^```/ { inside = !inside
+             if (inside) { print; while ((getline line <printed) > 0) print line; next } }
+    !inside' docs/performance.md >"$printed.md"
+  cat "$printed.md" >docs/performance.md
+  rm -f "$printed" "$printed.md"
+  exit
+fi
 
 cmake --preset bench >/dev/null
 cmake --build --preset bench
 kiv=$PWD/build/bench/src/kiv
+kivdb=$PWD/build/bench/src/kivdb
 tools=$PWD/build/bench/bench
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -15,7 +31,7 @@ for run in "$@"; do cp -R "$run" "$work/"; done
 cp -R "$samples/SQL1" "$samples/MIX" "$work/"
 cd "$work"
 
-printf 'Machine: %s, %s cores; %s\n' \
+printf 'Date: %s\nMachine: %s, %s cores; %s\n' "$(date +%Y-%m-%d)" \
   "$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1)" "$(nproc)" \
   "$(sed -n 's/^PRETTY_NAME="\(.*\)"/\1/p' /etc/os-release)"
 printf 'Compiler: %s\n\n' "$(g++ --version | head -1)"
@@ -33,8 +49,14 @@ instructions() {
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" "$kiv" -H "$header" 2>&1 >/dev/null |
     sed -n 's/.*Collected *: *//p'
 }
-replay='kiv::kiv_reader::ReadEvents()'
-memory_row='kiv::KivMemory::write_row() const'
+replay='kiv::kiv_reader::ReadEvents(kiv::replay_observer&)'
+memory_row='kiv::kiv_tables::write_memory_row(kiv::memory_change const&)'
+
+# Instructions of a report straight from a trace.
+report_instructions() {
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$kivdb" report "$1" 2>&1 >/dev/null |
+    sed -n 's/.*Collected *: *//p'
+}
 
 # per_record NAME MORE_INSTRUCTIONS FEWER RECORDS
 per_record() { printf '  %-34s %8d\n' "$1" "$((($2 - $3) / $4))"; }
@@ -46,6 +68,8 @@ for kind in memory flow; do
   few=$(instructions ${kind}_few/kiv.1.kivhdr)
   many=$(instructions ${kind}_many/kiv.1.kivhdr)
   per_record "$kind-heavy trace, 300k to 1M" "$many" "$few" 700000
+  per_record '  report of it' "$(report_instructions ${kind}_many)" \
+    "$(report_instructions ${kind}_few)" 700000
   if [ $kind = memory ]; then
     "$tools/make_trace" memory 400 start >/dev/null
     start=$(instructions start/kiv.1.kivhdr)
@@ -108,3 +132,37 @@ per_block=$((((peak - data) - few_above) * 1024 / (live - few_live)))
 whole_run flow_many
 for run in SQL1 MIX "$@"; do whole_run "$(basename "$run")"; done
 printf '  bytes above the data file per further live block, memory-heavy: %d\n' "$per_block"
+
+# The middle one of so many numbers, one a line.
+median() { sort -n | awk '{ all[NR] = $1 } END { print all[int((NR + 1) / 2)] }'; }
+
+# Report and analysis in turn, so that both see the machine at the same speed.
+printf '\nReports straight from a trace (medians of 11 pairs, files in the page cache)\n'
+printf '  %-12s %10s %10s %10s %12s %16s\n' trace 'report, s' 'kiv -R, s' ratio 'report, KiB' \
+  'above data, KiB'
+compare_report() {
+  data=$(($(cat "$1"/*.kivdat | wc -c) / 1024))
+  for pair in 0 1 2 3 4 5 6 7 8 9 10 11; do
+    report=$("$tools/peak_memory" "$kivdb" report "$1")
+    analysis=$("$tools/peak_memory" "$kiv" -R "$1")
+    rm -f "$1"/*.csv "$1"/*.sql
+    [ $pair = 0 ] || echo "$report $analysis"
+  done >pairs
+  largest=$(wc -c "$1"/*.kivdat | awk '$2 != "total" && $1 > most { most = $1 } END { print int(most / 1024) }')
+  printf '  %-12s %10s %10s %10s %12d %16d\n' "$1" "$(cut -d ' ' -f 2 pairs | median)" \
+    "$(cut -d ' ' -f 4 pairs | median)" "$(awk '{ printf "%.3f\n", $2 / $4 }' pairs | median)" \
+    "$(cut -d ' ' -f 1 pairs | median)" "$(($(cut -d ' ' -f 1 pairs | median) - largest))"
+}
+compare_report memory_many
+compare_report flow_many
+for run in SQL1 MIX "$@"; do compare_report "$(basename "$run")"; done
+
+printf '\nReports from a database (medians of 11 runs)\n'
+printf '  %-12s %10s %14s\n' trace 'report, s' 'database, KiB'
+for run in memory_many flow_many SQL1 "$@"; do
+  name=$(basename "$run")
+  "$kivdb" import "$name" -o "$name.db" >/dev/null
+  for turn in 1 2 3 4 5 6 7 8 9 10 11; do "$tools/peak_memory" "$kivdb" report "$name.db"; done >runs
+  printf '  %-12s %10s %14d\n' "$name" "$(cut -d ' ' -f 2 runs | median)" \
+    "$(($(wc -c <"$name.db") / 1024))"
+done

@@ -1,13 +1,22 @@
 #!/bin/sh
-# readme_example.sh README SAMPLES: runs the commands of README's examples, the lines that begin
-# with "$ ", with the kiv and kivdb of PATH and the traces of the folder SAMPLES, and compares what
-# they print with what README shows: all of it, or where README has a line "[...]" the lines that it
-# does show, in any order, since off a terminal the two streams mix in another one. The time that a
-# run took ("0.1 s" at a line's end) may differ.
+# readme_example.sh SAMPLES DOCUMENT...: runs the commands of the documents' examples, the lines that
+# begin with "$ ", with the kiv and kivdb of PATH and the traces of the folder SAMPLES, and compares
+# what they print with what the document shows: all of it, or where it has a line "[...]" the lines
+# that it does show, in any order, since off a terminal the two streams mix in another one. The time
+# that a run took ("0.1 s" at a line's end) may differ. Each document starts anew.
 set -eu
 
-readme=$(realpath "$1")
-samples=$(realpath "$2")
+samples=$(realpath "$1")
+if [ $# -gt 2 ]; then
+  shift
+  faults=0
+  for document in "$@"; do
+    "$0" "$samples" "$document" || faults=$((faults + 1))
+  done
+  [ "$faults" -eq 0 ]
+  exit
+fi
+document=$(realpath "$2")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp -R "$samples" "$work/samples"
@@ -37,8 +46,8 @@ awk '
     next
   }
   shown { print >expected }
-' "$readme"
-[ -e commands ] || { echo "readme_example: $readme has no command" >&2; exit 1; }
+' "$document"
+[ -e commands ] || { echo "readme_example: $document has no command" >&2; exit 1; }
 mkdir here
 mv samples here/
 (cd here && work=$work sh ../commands)
@@ -60,5 +69,5 @@ while [ -e "$((count + 1)).command" ]; do
   printf '\n$ %s\n' "$(cat "$count.command")"
   diff -u "$count.expected.plain" "$count.actual.plain" || true
 done
-echo "README: $count commands, $faults of them print something else"
+echo "$(basename "$document"): $count commands, $faults of them print something else"
 [ "$faults" -eq 0 ]

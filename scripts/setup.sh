@@ -6,7 +6,7 @@ set -eu
 sets='
 make         make
 build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev pkg-config
-test         libgtest-dev
+test         libgtest-dev python3
 bench        libbenchmark-dev valgrind
 format       clang-format-14 git
 check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev

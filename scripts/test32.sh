@@ -1,13 +1,12 @@
 #!/bin/sh
-# test32.sh: builds everything as 32-bit x86 and runs the suite. The i386 libraries are fetched by an
+# test32.sh: builds kiv as 32-bit x86 and runs its suite. The i386 libraries are fetched by an
 # apt of their own below build/ and unpacked there: the system gets no foreign architecture, no
 # other package lists, and no libraries next to its own.
 set -eu
 cd "$(dirname "$0")/.."
 
 libraries=$PWD/build/m32-libraries
-packages="libexpat1 libexpat1-dev libabsl20220623 libabsl-dev libfmt9 libfmt-dev libgtest-dev
-  libsqlite3-0 libsqlite3-dev"
+packages="libexpat1 libexpat1-dev libabsl20220623 libabsl-dev libfmt9 libfmt-dev libgtest-dev"
 
 if [ ! -e "$libraries/complete" ]; then
   apt=$libraries/apt

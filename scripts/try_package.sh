@@ -1,6 +1,6 @@
 #!/bin/sh
 # try_package.sh: unpacks the Debian package of `make package` into a temporary folder and runs
-# README's examples with the programs in it.
+# the examples of the documents with the programs in it.
 # try_package.sh --install: installs the package and runs them with the installed programs.
 set -eu
 cd "$(dirname "$0")/.."
@@ -21,4 +21,4 @@ kivdb --version
 for page in kiv kivdb; do
   gzip -dc "$root/usr/share/man/man1/$page.1.gz" | head -1
 done
-scripts/readme_example.sh README.md "$root/usr/share/kiv/samples"
+scripts/readme_example.sh "$root/usr/share/kiv/samples" README.md docs/tables-by-hand.md

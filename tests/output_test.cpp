@@ -78,7 +78,7 @@ TEST_F(Output, ScriptStatements) {
 TEST(Names, WhatIsMadeIsParsed) {
   for (const std::string runid : {"R42", "", "a.b", "..", "kiv.x.memory.1.csv"}) {
     for (const csv_table& table : csv_tables()) {
-      const auto file = parse_csv_name(make_csv_name(runid, table.name, 12));
+      const auto file = parse_csv_name(make_csv_name(runid, table.name, "12"));
       const std::string line = make_import_statement(runid, table, 1, 12);
       const auto statement = parse_import_statement(line.substr(0, line.size() - 1));
       for (const auto& found : {file, statement}) {

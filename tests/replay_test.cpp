@@ -24,22 +24,26 @@ class counting_observer : public replay_observer {
     friend bool operator==(const sum&, const sum&) = default;
   };
 
-  void block_made(block_handle block, const memory_change& made) override {
-    EXPECT_TRUE(sizes_.try_emplace(block, static_cast<std::int64_t>(made.size)).second);
-    count(this->made[made.type], made.size);
+  void block_made(block_handle block, const memory_change& change) override {
+    EXPECT_TRUE(sizes_.try_emplace(block, static_cast<std::int64_t>(change.size)).second);
+    count(made[static_cast<char>(change.type)], change.size);
   }
-  void block_refused(const memory_change& made) override { count(this->made[made.type], made.size); }
+  void block_refused(const memory_change& change) override {
+    count(made[static_cast<char>(change.type)], change.size);
+  }
   void block_resized(block_handle block, const memory_change& resized) override {
     sizes_.at(block) += resized.size_change;
     EXPECT_EQ(sizes_.at(block), static_cast<std::int64_t>(resized.size));
   }
-  void block_ended(block_handle block, const live_block& ended, std::uint64_t /*cause*/,
+  void block_ended(block_handle block, const live_block& gone, std::uint64_t /*cause*/,
                    kiv_type by) override {
-    EXPECT_EQ(sizes_.at(block), ended.size);
+    EXPECT_EQ(sizes_.at(block), gone.size);
     sizes_.erase(block);
-    count(this->ended[by], ended.size);
+    count(ended[static_cast<char>(by)], gone.size);
   }
-  void memory_changed(const memory_change& change) override { ++records[change.type]; }
+  void memory_changed(const memory_change& change) override {
+    ++records[static_cast<char>(change.type)];
+  }
   void trace_ended() override { ended_well = true; }
 
   std::map<char, sum> made, ended;  // by the record's tag
@@ -116,8 +120,8 @@ TEST(Replay, TwoRunsInOneProcessAreLikeTwoProcesses) {
   for (const temp_dir* dir : {&together, &apart}) {
     ASSERT_TRUE(first.write(dir->path() + "/1", ".") && second.write(dir->path() + "/2", "."));
   }
-  for (const auto& [t, dir, given] : {std::tuple(&first, "/1", options),
-                                      std::tuple(&second, "/2", std::vector<std::string>{})}) {
+  for (const auto& [t, dir, given] :
+       {std::tuple(&first, "/1", options), std::tuple(&second, "/2", std::vector<std::string>{})}) {
     SCOPED_TRACE(dir);
     const run_result called = run_kiv(together.path() + dir, args(*t, given));
     const run_result started = run_kiv(apart.path() + dir, args(*t, given), KIV_PROGRAM);

@@ -1,483 +1,711 @@
-CREATE TABLE memory (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  time TEXT NOT NULL,
-  type TEXT NOT NULL,
-  rec INTEGER NOT NULL,
-  rec_thousands INTEGER NOT NULL,
+-- The profiles of runs. A run has traces; all else belongs to one trace and is numbered from 0 by
+-- `place`. Columns that are named like a table of names hold a place in it. Place 0 of a table of
+-- names is the one for "none" or "unknown".
+
+CREATE TABLE run (
+  run INTEGER PRIMARY KEY AUTOINCREMENT,  -- ascends in the order of the imports
+  name TEXT NOT NULL UNIQUE,
+  source TEXT NOT NULL,
+  imported_at TEXT NOT NULL,
+  complete INTEGER NOT NULL,
+  row_count INTEGER                       -- of the CSV tables; NULL when they were not loaded
+);
+
+CREATE TABLE trace (
+  trace INTEGER PRIMARY KEY,
+  run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  run_id TEXT NOT NULL,                   -- as the trace has it
   pid INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  depth INTEGER NOT NULL,
-  caller_object INTEGER NOT NULL,
-  caller_function INTEGER NOT NULL,
-  callee_object INTEGER NOT NULL,
-  callee_function INTEGER NOT NULL,
-  hosk_call TEXT NOT NULL,
-  hosk_symbol INTEGER NOT NULL,
-  hosk_args TEXT NOT NULL,
-  query_seq INTEGER NOT NULL,
-  location INTEGER NOT NULL,
-  malid INTEGER NOT NULL,
-  color INTEGER NOT NULL,
-  addr INTEGER NOT NULL,
-  size_change INTEGER NOT NULL,
-  tot_size_change INTEGER NOT NULL,
-  size INTEGER NOT NULL,
-  tot_size INTEGER NOT NULL,
-  addr2 INTEGER NOT NULL,
-  linked_rec INTEGER NOT NULL,
-  color_label TEXT AS ('color') VIRTUAL,
-  color_live_size INTEGER NOT NULL,
-  color_live_tot_size INTEGER NOT NULL,
-  color_live_count INTEGER NOT NULL,
-  color_peak_size INTEGER NOT NULL,
-  color_peak_tot_size INTEGER NOT NULL,
-  color_mem_size INTEGER NOT NULL,
-  color_mem_tot_size INTEGER NOT NULL,
-  color_rec INTEGER NOT NULL,
-  color_rec_tens INTEGER NOT NULL,
-  malid_label TEXT AS ('malid') VIRTUAL,
-  malid_live_size INTEGER NOT NULL,
-  malid_live_tot_size INTEGER NOT NULL,
-  malid_live_count INTEGER NOT NULL,
-  malid_peak_size INTEGER NOT NULL,
-  malid_peak_tot_size INTEGER NOT NULL,
-  malid_mem_size INTEGER NOT NULL,
-  malid_mem_tot_size INTEGER NOT NULL,
-  malid_rec INTEGER NOT NULL,
-  malid_rec_hundreds INTEGER NOT NULL,
-  malid_sum_size INTEGER NOT NULL,
-  malid_sum_tot_size INTEGER NOT NULL,
-  malid_sum_count INTEGER NOT NULL,
-  process_label TEXT AS ('process') VIRTUAL,
-  process_live_size INTEGER NOT NULL,
-  process_live_tot_size INTEGER NOT NULL,
-  process_live_count INTEGER NOT NULL,
-  process_peak_size INTEGER NOT NULL,
-  process_peak_tot_size INTEGER NOT NULL,
-  process_mem_size INTEGER NOT NULL,
-  process_mem_tot_size INTEGER NOT NULL,
-  process_rec INTEGER NOT NULL,
-  process_rec_hundreds INTEGER NOT NULL,
-  process_sum_size INTEGER NOT NULL,
-  process_sum_tot_size INTEGER NOT NULL,
-  process_sum_count INTEGER NOT NULL,
-  process_malid_label TEXT AS ('process m') VIRTUAL,
-  process_malid_live_size INTEGER NOT NULL,
-  process_malid_live_tot_size INTEGER NOT NULL,
-  process_malid_live_count INTEGER NOT NULL,
-  process_malid_mem_size INTEGER NOT NULL,
-  process_malid_mem_tot_size INTEGER NOT NULL,
-  process_malid_rec INTEGER NOT NULL,
-  process_malid_rec_hundreds INTEGER NOT NULL,
-  process_color_label TEXT AS ('process c') VIRTUAL,
-  process_color_live_size INTEGER NOT NULL,
-  process_color_live_tot_size INTEGER NOT NULL,
-  process_color_live_count INTEGER NOT NULL,
-  process_color_mem_size INTEGER NOT NULL,
-  process_color_mem_tot_size INTEGER NOT NULL,
-  process_color_rec INTEGER NOT NULL,
-  process_color_rec_tens INTEGER NOT NULL,
-  global_label TEXT AS ('global') VIRTUAL,
-  global_live_size INTEGER NOT NULL,
-  global_live_tot_size INTEGER NOT NULL,
-  global_live_count INTEGER NOT NULL,
-  global_peak_size INTEGER NOT NULL,
-  global_peak_tot_size INTEGER NOT NULL,
-  global_nf_size INTEGER NOT NULL,
-  global_nf_tot_size INTEGER NOT NULL,
-  global_nf_count INTEGER NOT NULL,
-  sbrk_label TEXT AS ('sbrk') VIRTUAL,
-  sbrk_total INTEGER NOT NULL,
-  sbrk_count INTEGER NOT NULL,
-  gap_total INTEGER NOT NULL,
-  gap_count INTEGER NOT NULL
-);
-CREATE TABLE sbrk (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  time TEXT NOT NULL,
-  record INTEGER NOT NULL,
-  type TEXT NOT NULL,
-  sbrk_row INTEGER NOT NULL,
-  record_again INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  depth INTEGER NOT NULL,
-  caller_object INTEGER NOT NULL,
-  caller_function INTEGER NOT NULL,
-  callee_object INTEGER NOT NULL,
-  callee_function INTEGER NOT NULL,
-  hosk_call TEXT NOT NULL,
-  hosk_symbol INTEGER NOT NULL,
-  hosk_args TEXT NOT NULL,
-  query_seq INTEGER NOT NULL,
-  addr_or_l_sbrk INTEGER NOT NULL,
-  size_or_c_sbrk INTEGER NOT NULL,
-  sbrk_total INTEGER NOT NULL,
-  sbrk_count INTEGER NOT NULL,
-  gap_total INTEGER NOT NULL,
-  gap_count INTEGER NOT NULL
-);
-CREATE TABLE queryevents (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  seq INTEGER NOT NULL,
-  time TEXT NOT NULL,
-  qid INTEGER NOT NULL,
-  linked_qid INTEGER NOT NULL,
-  type TEXT NOT NULL,
-  start_sbrk_rows INTEGER NOT NULL,
-  end_sbrk_rows INTEGER NOT NULL,
-  start_rec INTEGER NOT NULL,
-  end_rec INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  depth INTEGER NOT NULL,
-  caller_object INTEGER NOT NULL,
-  caller_function INTEGER NOT NULL,
-  callee_object INTEGER NOT NULL,
-  callee_function INTEGER NOT NULL,
-  hosk_call TEXT NOT NULL,
-  hosk_symbol INTEGER NOT NULL,
-  hosk_args TEXT NOT NULL,
-  query_seq INTEGER NOT NULL
-);
-CREATE TABLE marker (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  marker INTEGER NOT NULL,
-  rec INTEGER NOT NULL,
-  last_rec INTEGER NOT NULL,
-  time TEXT NOT NULL,
-  type TEXT NOT NULL,
-  subtype TEXT NOT NULL,
-  marker_text TEXT NOT NULL
-);
-CREATE TABLE freemem (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  alloc_rec INTEGER NOT NULL,
-  free_rec INTEGER NOT NULL,
-  type TEXT NOT NULL
-);
-CREATE TABLE arena (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  time TEXT NOT NULL,
-  record INTEGER NOT NULL,
-  arena_row INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  depth INTEGER NOT NULL,
-  caller_object INTEGER NOT NULL,
-  caller_function INTEGER NOT NULL,
-  callee_object INTEGER NOT NULL,
-  callee_function INTEGER NOT NULL,
-  hosk_call TEXT NOT NULL,
-  hosk_symbol INTEGER NOT NULL,
-  hosk_args TEXT NOT NULL,
-  query_seq INTEGER NOT NULL,
-  arena INTEGER NOT NULL,
-  used INTEGER NOT NULL,
-  freed INTEGER NOT NULL
-);
-CREATE TABLE arcs (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  caller_object_name TEXT NOT NULL,
-  caller_object INTEGER NOT NULL,
-  caller_function INTEGER NOT NULL,
-  caller_function_name TEXT NOT NULL,
-  callee_object_name TEXT NOT NULL,
-  callee_object INTEGER NOT NULL,
-  callee_function INTEGER NOT NULL,
-  callee_function_name TEXT NOT NULL
-);
-CREATE TABLE symbols (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  ordinal INTEGER NOT NULL,
-  sym INTEGER NOT NULL,
-  size INTEGER NOT NULL,
-  category TEXT NOT NULL,
-  flags INTEGER NOT NULL,
-  declaration TEXT NOT NULL
-);
-CREATE TABLE flowdata (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  ordinal INTEGER NOT NULL,
-  group_size INTEGER NOT NULL,
-  group_count INTEGER NOT NULL,
-  symbol_lines TEXT NOT NULL
-);
-CREATE TABLE flow (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  flow INTEGER NOT NULL,
-  depth INTEGER NOT NULL,
-  record INTEGER NOT NULL,
-  arc INTEGER NOT NULL,
-  direction TEXT NOT NULL
-);
-CREATE TABLE process (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  session_name TEXT NOT NULL,
-  malid INTEGER NOT NULL,
-  xmlid INTEGER NOT NULL,
-  parent INTEGER NOT NULL,
-  start_time TEXT NOT NULL,
-  end_time TEXT NOT NULL,
-  start_record INTEGER NOT NULL,
-  end_record INTEGER NOT NULL
-);
-CREATE TABLE hashloc (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  location INTEGER NOT NULL,
-  source_line TEXT NOT NULL
-);
-CREATE TABLE malid (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  malid INTEGER NOT NULL,
-  location INTEGER NOT NULL,
-  reserve_type TEXT NOT NULL,
-  category TEXT NOT NULL,
-  description TEXT NOT NULL,
-  reference TEXT NOT NULL,
-  default_size INTEGER NOT NULL,
-  start_time TEXT NOT NULL,
-  end_time TEXT NOT NULL,
-  start_record INTEGER NOT NULL,
-  end_record INTEGER NOT NULL
-);
-CREATE TABLE color (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  malid INTEGER NOT NULL,
-  color INTEGER NOT NULL,
-  color_name TEXT NOT NULL
-);
-CREATE TABLE queries (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  pid INTEGER NOT NULL,
-  qid INTEGER NOT NULL,
-  linked_qid INTEGER NOT NULL,
-  start_time TEXT NOT NULL,
-  first_use_time TEXT NOT NULL,
-  last_use_time TEXT NOT NULL,
-  query_text TEXT NOT NULL
-);
-CREATE TABLE runs (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  start_time TEXT NOT NULL,
-  end_time TEXT NOT NULL,
   program TEXT NOT NULL,
   environment TEXT NOT NULL,
   account TEXT NOT NULL,
   host TEXT NOT NULL,
-  user_name TEXT NOT NULL,
+  user TEXT NOT NULL,
   description TEXT NOT NULL,
-  m_entry_size INTEGER NOT NULL,
-  mem_block_size INTEGER NOT NULL,
-  m_group_size INTEGER NOT NULL
+  start_time TEXT NOT NULL,
+  end_time TEXT NOT NULL,
+  records INTEGER NOT NULL,
+  heap_bytes INTEGER NOT NULL,
+  gap_bytes INTEGER NOT NULL,
+  from_rows INTEGER NOT NULL,
+  peak_blocks INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  peak_tot_bytes INTEGER NOT NULL,
+  peak_record INTEGER NOT NULL,
+  peak_time TEXT NOT NULL
 );
-CREATE TABLE objects (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  object INTEGER NOT NULL,
-  object_name TEXT NOT NULL
-);
-CREATE TABLE functions (
-  run_id TEXT NOT NULL,
-  main_pid INTEGER NOT NULL,
-  object_name TEXT NOT NULL,
-  object INTEGER NOT NULL,
-  function_number INTEGER NOT NULL,
-  function_name TEXT NOT NULL
-);
+CREATE INDEX trace_by_run ON trace (run);
 
-CREATE TABLE imports (
-  run_id TEXT NOT NULL,
-  source TEXT NOT NULL,
-  imported_at TEXT NOT NULL,
-  data_separator TEXT NOT NULL,
-  fun_separator TEXT NOT NULL,
-  row_count INTEGER NOT NULL,
-  rejected_count INTEGER NOT NULL
-);
-CREATE TABLE rejected_rows (
-  run_id TEXT NOT NULL,
-  file TEXT NOT NULL,
+CREATE TABLE trace_loss (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  what TEXT NOT NULL,
+  count INTEGER NOT NULL,
+  first TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE trace_note (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  note TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE id_name (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  number INTEGER NOT NULL,
+  name TEXT NOT NULL,
+  reserve_type TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE color_name (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  number INTEGER NOT NULL,
+  name TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE line_name (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  name TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE function_name (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  object TEXT NOT NULL,
+  name TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+-- A function called along the path `parent`; path 0 is the empty one.
+CREATE TABLE call_path (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  parent INTEGER NOT NULL,
+  function INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+CREATE INDEX call_path_by_parent ON call_path (trace, parent);
+
+CREATE TABLE process_name (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  pid INTEGER NOT NULL,
+  name TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE query_text (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  text TEXT NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+-- The blocks that share all of kind, id, colour, line, call path, process and SQL statement.
+CREATE TABLE block_group (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  no_free INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  color INTEGER NOT NULL,
   line INTEGER NOT NULL,
-  reason TEXT NOT NULL,
-  row_begin TEXT NOT NULL
-);
-CREATE INDEX rejected_rows_by_run ON rejected_rows (run_id);
-CREATE INDEX memory_by_rec ON memory (run_id, main_pid, rec, type, malid, color, location, pid, arc, caller_object, caller_function, callee_object, callee_function, query_seq, size, tot_size, size_change, linked_rec, global_live_size, global_nf_size);
-CREATE INDEX freemem_by_alloc ON freemem (run_id, main_pid, alloc_rec, free_rec, type);
-CREATE INDEX hashloc_by_location ON hashloc (run_id, main_pid, location, source_line);
-CREATE INDEX malid_by_malid ON malid (run_id, main_pid, malid);
-CREATE INDEX color_by_color ON color (run_id, main_pid, malid, color, color_name);
-CREATE INDEX arcs_by_arc ON arcs (run_id, main_pid, pid, arc);
-CREATE INDEX functions_by_number ON functions (run_id, main_pid, object, function_number);
-CREATE INDEX process_by_pid ON process (run_id, main_pid, pid, session_name);
-CREATE INDEX queryevents_by_seq ON queryevents (run_id, main_pid, seq, qid);
-CREATE INDEX queries_by_qid ON queries (run_id, main_pid, qid);
-CREATE INDEX marker_by_marker ON marker (run_id, main_pid, marker, rec);
-CREATE INDEX sbrk_by_row ON sbrk (run_id, main_pid, sbrk_row);
+  path INTEGER NOT NULL,
+  process INTEGER NOT NULL,
+  query INTEGER NOT NULL,
+  resizes INTEGER NOT NULL,
+  made_blocks INTEGER NOT NULL,
+  made_bytes INTEGER NOT NULL,
+  made_tot_bytes INTEGER NOT NULL,
+  freed_blocks INTEGER NOT NULL,
+  freed_bytes INTEGER NOT NULL,
+  freed_tot_bytes INTEGER NOT NULL,
+  left_blocks INTEGER NOT NULL,
+  left_bytes INTEGER NOT NULL,
+  left_tot_bytes INTEGER NOT NULL,
+  reset_blocks INTEGER NOT NULL,
+  reset_bytes INTEGER NOT NULL,
+  reset_tot_bytes INTEGER NOT NULL,
+  released_blocks INTEGER NOT NULL,
+  released_bytes INTEGER NOT NULL,
+  released_tot_bytes INTEGER NOT NULL,
+  live_blocks INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  live_tot_bytes INTEGER NOT NULL,
+  peak_blocks INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  peak_tot_bytes INTEGER NOT NULL,
+  temporary_blocks INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  temporary_tot_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
--- allocation ids with a name that means the same in every run
-CREATE VIEW id_names AS
-SELECT run_id, main_pid, malid, CASE WHEN COALESCE(description, '') = '' THEN reserve_type ELSE category || ' ' || description END AS id_name, reserve_type FROM malid;
+-- Blocks by size (kind 0) or by lifetime in memory records (kind 1), from 2^exponent on; exponent
+-- -1 stands for 0.
+CREATE TABLE histogram (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  kind INTEGER NOT NULL,
+  no_free INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  exponent INTEGER NOT NULL,
+  blocks INTEGER NOT NULL,
+  bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
--- every block (a, n) and every resize of one (r), with the record that ended it
-CREATE VIEW block AS
-SELECT m.run_id, m.main_pid, m.rec, m.type, m.malid, m.color, m.location, m.pid, m.arc, m.caller_object, m.caller_function, m.callee_object, m.callee_function, m.query_seq, m.size, m.tot_size, m.size_change, f.free_rec AS end_rec, f.type AS end_type FROM memory m LEFT JOIN freemem f ON f.run_id = m.run_id AND f.main_pid = m.main_pid AND f.alloc_rec = m.rec WHERE m.type IN ('a', 'n') OR (m.type = 'r' AND m.linked_rec <> 0);
+CREATE TABLE heap_change (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  gap INTEGER NOT NULL,
+  path INTEGER NOT NULL,
+  process INTEGER NOT NULL,
+  count INTEGER NOT NULL,
+  bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
--- the record at which most memory was live, per trace
-CREATE VIEW peak_query AS
-WITH t AS (SELECT m.run_id, m.main_pid, MAX(m.global_live_size + m.global_nf_size) AS peak_bytes FROM memory m WHERE m.rec > 0 GROUP BY m.run_id, m.main_pid), r AS (SELECT t.run_id, t.main_pid, t.peak_bytes, (SELECT MIN(m.rec) FROM memory m WHERE m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec > 0 AND m.global_live_size + m.global_nf_size = t.peak_bytes) AS peak_rec FROM t) SELECT r.run_id, r.main_pid, r.peak_rec, r.peak_bytes, m.time AS peak_time, m.global_live_tot_size + m.global_nf_tot_size AS peak_tot_bytes FROM r JOIN memory m ON m.run_id = r.run_id AND m.main_pid = r.main_pid AND m.rec = r.peak_rec;
-CREATE TABLE peak AS SELECT * FROM peak_query WHERE 0;
-CREATE INDEX peak_by_run ON peak (run_id, main_pid);
+CREATE TABLE timeline_step (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  last_record INTEGER NOT NULL,
+  time TEXT NOT NULL,
+  highest_bytes INTEGER NOT NULL,
+  last_bytes INTEGER NOT NULL,
+  heap_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
--- sums over blocks of one kind, id, colour, line, arc and query, which the views by_*, peak_by_* and churn_by_* add up
-CREATE VIEW block_groups_query AS
-SELECT b.run_id AS run_id, b.main_pid AS main_pid, CASE WHEN b.type = 'n' THEN 'no free' ELSE 'with free' END AS kind, b.malid AS malid, b.color AS color, b.location AS location, b.pid AS pid, b.arc AS arc, q.qid AS qid, MIN(b.caller_object) AS caller_object, MIN(b.caller_function) AS caller_function, MIN(b.callee_object) AS callee_object, MIN(b.callee_function) AS callee_function, SUM(1) AS blocks, SUM(CASE WHEN b.type <> 'r' THEN 1 ELSE 0 END) AS allocs, SUM(CASE WHEN b.type <> 'r' THEN b.size ELSE 0 END) AS alloc_bytes, SUM(CASE WHEN b.type <> 'r' THEN b.tot_size ELSE 0 END) AS alloc_tot_bytes, SUM(CASE WHEN b.type = 'r' THEN 1 ELSE 0 END) AS resizes, SUM(CASE WHEN b.type = 'r' THEN b.size_change ELSE 0 END) AS resize_bytes, SUM(CASE WHEN b.end_type = 'f' THEN 1 ELSE 0 END) AS frees, SUM(CASE WHEN b.end_rec IS NULL THEN 1 ELSE 0 END) AS live_blocks, SUM(CASE WHEN b.end_rec IS NULL THEN b.size ELSE 0 END) AS live_bytes, SUM(CASE WHEN b.end_rec IS NULL THEN b.tot_size ELSE 0 END) AS live_tot_bytes, SUM(CASE WHEN b.rec <= p.peak_rec AND (b.end_rec IS NULL OR b.end_rec > p.peak_rec) THEN 1 ELSE 0 END) AS peak_blocks, SUM(CASE WHEN b.rec <= p.peak_rec AND (b.end_rec IS NULL OR b.end_rec > p.peak_rec) THEN b.size ELSE 0 END) AS peak_bytes, SUM(CASE WHEN b.rec <= p.peak_rec AND (b.end_rec IS NULL OR b.end_rec > p.peak_rec) THEN b.tot_size ELSE 0 END) AS peak_tot_bytes, SUM(CASE WHEN b.end_type = 'f' AND b.end_rec - b.rec <= 100 THEN 1 ELSE 0 END) AS short_lived, SUM(CASE WHEN b.end_type = 'f' AND b.end_rec - b.rec <= 100 THEN b.size ELSE 0 END) AS short_lived_bytes, SUM(CASE WHEN b.end_rec IS NOT NULL THEN 1 ELSE 0 END) AS ended, MIN(b.end_rec - b.rec) AS shortest_life, MAX(b.end_rec - b.rec) AS longest_life, SUM(COALESCE(b.end_rec - b.rec, 0)) AS together_lived FROM block b JOIN peak p ON p.run_id = b.run_id AND p.main_pid = b.main_pid LEFT JOIN queryevents q ON q.run_id = b.run_id AND q.main_pid = b.main_pid AND q.seq = b.query_seq GROUP BY b.run_id, b.main_pid, CASE WHEN b.type = 'n' THEN 'no free' ELSE 'with free' END, b.malid, b.color, b.location, b.pid, b.arc, q.qid;
-CREATE TABLE block_groups AS SELECT * FROM block_groups_query WHERE 0;
-CREATE INDEX block_groups_by_run ON block_groups (run_id, main_pid);
+-- Live memory of an id at the end of a step, where it differs from that at the step before.
+CREATE TABLE timeline_level (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  step INTEGER NOT NULL,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, step, place)
+) WITHOUT ROWID;
 
--- blocks made, mean size, freed and live at the end, by allocation id
-CREATE VIEW by_id AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
+CREATE TABLE program_mark (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  record INTEGER NOT NULL,
+  time TEXT NOT NULL,
+  text TEXT NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  live_blocks INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
--- what was live at the peak, by allocation id
-CREATE VIEW peak_by_id AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
+-- Live memory of an id at a mark, where it differs from that at the mark before.
+CREATE TABLE mark_level (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  mark INTEGER NOT NULL,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, mark, place)
+) WITHOUT ROWID;
 
--- blocks freed within 100 memory records of their making, by allocation id
-CREATE VIEW churn_by_id AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
+-- The tables that hold rows of runs by `run_id`, the name of the run.
+CREATE TABLE row_table (name TEXT PRIMARY KEY) WITHOUT ROWID;
 
--- blocks made, mean size, freed and live at the end, by colour of an allocation id
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by colour of an allocation id
 CREATE VIEW by_color AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, g.color, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid, g.color) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.color, COALESCE((SELECT MIN(n.color_name) FROM color n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid AND n.color = t.color), 'unknown colour') AS color_name, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
+SELECT r.name AS run, t.pid AS pid, n.name AS id_name, c.name AS color_name,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+JOIN color_name c ON c.trace = g.trace AND c.place = g.color
+GROUP BY g.trace, g.id, g.color;
 
--- what was live at the peak, by colour of an allocation id
-CREATE VIEW peak_by_color AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, g.color, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid, g.color) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.color, COALESCE((SELECT MIN(n.color_name) FROM color n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid AND n.color = t.color), 'unknown colour') AS color_name, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by innermost function
+CREATE VIEW by_function AS
+SELECT r.name AS run, t.pid AS pid, CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END AS function,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN call_path c ON c.trace = g.trace AND c.place = g.path
+JOIN function_name f ON f.trace = g.trace AND f.place = c.function
+GROUP BY g.trace, c.function;
 
--- blocks freed within 100 memory records of their making, by colour of an allocation id
-CREATE VIEW churn_by_color AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, g.color, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid, g.color) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.color, COALESCE((SELECT MIN(n.color_name) FROM color n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid AND n.color = t.color), 'unknown colour') AS color_name, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by allocation id
+CREATE VIEW by_id AS
+SELECT r.name AS run, t.pid AS pid, n.name AS id_name,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+GROUP BY g.trace, g.id;
 
--- blocks made, mean size, freed and live at the end, by source line
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by source line
 CREATE VIEW by_line AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.location, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.location) SELECT t.run_id, t.main_pid, t.location, COALESCE((SELECT MIN(n.source_line) FROM hashloc n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.location = t.location), 'unknown line') AS source_line, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
+SELECT r.name AS run, t.pid AS pid, n.name AS source_line,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN line_name n ON n.trace = g.trace AND n.place = g.line
+GROUP BY g.trace, g.line;
 
--- what was live at the peak, by source line
-CREATE VIEW peak_by_line AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.location, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.location) SELECT t.run_id, t.main_pid, t.location, COALESCE((SELECT MIN(n.source_line) FROM hashloc n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.location = t.location), 'unknown line') AS source_line, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by call path
+CREATE VIEW by_path AS
+WITH RECURSIVE p(trace, place, depth, path) AS (
+  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  UNION ALL
+  SELECT c.trace, c.place, p.depth + 1,
+    CASE WHEN p.depth = 0 THEN ''
+      WHEN LENGTH(p.path) > 4000 THEN '... > ' || SUBSTR(p.path, -2000) || ' > '
+      ELSE p.path || ' > ' END || CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
+  FROM p JOIN call_path c INDEXED BY call_path_by_parent ON c.trace = p.trace AND c.parent = p.place AND c.parent < c.place
+  JOIN function_name f ON f.trace = c.trace AND f.place = c.function
+)
+SELECT r.name AS run, t.pid AS pid, p.depth, p.path,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN p ON p.trace = g.trace AND p.place = g.path
+GROUP BY g.trace, g.path;
 
--- blocks freed within 100 memory records of their making, by source line
-CREATE VIEW churn_by_line AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.location, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.location) SELECT t.run_id, t.main_pid, t.location, COALESCE((SELECT MIN(n.source_line) FROM hashloc n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.location = t.location), 'unknown line') AS source_line, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
-
--- blocks made, mean size, freed and live at the end, by caller and callee of a process
-CREATE VIEW by_arc AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, g.arc, MIN(g.caller_object) AS caller_object, MIN(g.caller_function) AS caller_function, MIN(g.callee_object) AS callee_object, MIN(g.callee_function) AS callee_function, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid, g.arc) SELECT t.run_id, t.main_pid, t.pid, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
-
--- what was live at the peak, by caller and callee of a process
-CREATE VIEW peak_by_arc AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, g.arc, MIN(g.caller_object) AS caller_object, MIN(g.caller_function) AS caller_function, MIN(g.callee_object) AS callee_object, MIN(g.callee_function) AS callee_function, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid, g.arc) SELECT t.run_id, t.main_pid, t.pid, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
-
--- blocks freed within 100 memory records of their making, by caller and callee of a process
-CREATE VIEW churn_by_arc AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, g.arc, MIN(g.caller_object) AS caller_object, MIN(g.caller_function) AS caller_function, MIN(g.callee_object) AS callee_object, MIN(g.callee_function) AS callee_function, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid, g.arc) SELECT t.run_id, t.main_pid, t.pid, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
-
--- blocks made, mean size, freed and live at the end, by process
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by process
 CREATE VIEW by_process AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid) SELECT t.run_id, t.main_pid, t.pid, COALESCE((SELECT MIN(n.session_name) FROM process n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid), 'default process') AS process_name, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
+SELECT r.name AS run, t.pid AS pid, p.pid AS process_pid, p.name AS process_name,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN process_name p ON p.trace = g.trace AND p.place = g.process
+GROUP BY g.trace, g.process;
 
--- what was live at the peak, by process
-CREATE VIEW peak_by_process AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid) SELECT t.run_id, t.main_pid, t.pid, COALESCE((SELECT MIN(n.session_name) FROM process n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid), 'default process') AS process_name, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
-
--- blocks freed within 100 memory records of their making, by process
-CREATE VIEW churn_by_process AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.pid, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.pid) SELECT t.run_id, t.main_pid, t.pid, COALESCE((SELECT MIN(n.session_name) FROM process n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid), 'default process') AS process_name, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
-
--- blocks made, mean size, freed and live at the end, by SQL statement
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by SQL statement
 CREATE VIEW by_query AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.qid, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.resizes) AS resizes, SUM(g.resize_bytes) AS resize_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.qid) SELECT t.run_id, t.main_pid, t.qid, CASE WHEN t.qid IS NULL THEN '(no finished SQL operation)' ELSE COALESCE((SELECT MIN(n.query_text) FROM queries n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.qid = t.qid), 'unknown query') END AS query_text, t.allocs, t.alloc_bytes, t.alloc_tot_bytes, CASE WHEN t.allocs = 0 THEN 0 ELSE CAST(t.alloc_bytes / t.allocs AS BIGINT) END AS mean_bytes, t.resizes, t.resize_bytes, t.frees, t.live_blocks, t.live_bytes, t.live_tot_bytes FROM t;
+SELECT r.name AS run, t.pid AS pid, n.text AS query,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN query_text n ON n.trace = g.trace AND n.place = g.query
+GROUP BY g.trace, g.query;
 
--- what was live at the peak, by SQL statement
-CREATE VIEW peak_by_query AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.qid, SUM(g.peak_blocks) AS peak_blocks, SUM(g.peak_bytes) AS peak_bytes, SUM(g.peak_tot_bytes) AS peak_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.qid) SELECT t.run_id, t.main_pid, t.qid, CASE WHEN t.qid IS NULL THEN '(no finished SQL operation)' ELSE COALESCE((SELECT MIN(n.query_text) FROM queries n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.qid = t.qid), 'unknown query') END AS query_text, t.peak_blocks, t.peak_bytes, t.peak_tot_bytes FROM t WHERE t.peak_blocks > 0;
+-- growth of the heap and gaps in it, by process and call path
+CREATE VIEW heap_growth AS
+WITH RECURSIVE p(trace, place, depth, path) AS (
+  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  UNION ALL
+  SELECT c.trace, c.place, p.depth + 1,
+    CASE WHEN p.depth = 0 THEN ''
+      WHEN LENGTH(p.path) > 4000 THEN '... > ' || SUBSTR(p.path, -2000) || ' > '
+      ELSE p.path || ' > ' END || CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
+  FROM p JOIN call_path c INDEXED BY call_path_by_parent ON c.trace = p.trace AND c.parent = p.place AND c.parent < c.place
+  JOIN function_name f ON f.trace = c.trace AND f.place = c.function
+)
+SELECT r.name AS run, t.pid AS pid, CASE g.gap WHEN 0 THEN 'growth' ELSE 'gap' END AS kind, n.pid AS process_pid,
+  n.name AS process_name, p.path, g.count, g.bytes
+FROM heap_change g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN process_name n ON n.trace = g.trace AND n.place = g.process
+JOIN p ON p.trace = g.trace AND p.place = g.path;
 
--- blocks freed within 100 memory records of their making, by SQL statement
-CREATE VIEW churn_by_query AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.qid, SUM(g.short_lived) AS short_lived, SUM(g.short_lived_bytes) AS short_lived_bytes, SUM(g.blocks) AS blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.qid) SELECT t.run_id, t.main_pid, t.qid, CASE WHEN t.qid IS NULL THEN '(no finished SQL operation)' ELSE COALESCE((SELECT MIN(n.query_text) FROM queries n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.qid = t.qid), 'unknown query') END AS query_text, t.short_lived, t.short_lived_bytes, t.blocks, 100 * t.short_lived / t.blocks AS percent_of_blocks FROM t WHERE t.short_lived > 0;
+-- blocks that ended by how many memory records they lived
+CREATE VIEW lifetimes AS
+SELECT r.name AS run, t.pid AS pid, CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind, CASE WHEN g.exponent < 0 THEN 0 ELSE 1 << g.exponent END AS from_records, CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END AS to_records,
+  SUM(g.blocks) AS blocks, SUM(g.bytes) AS bytes
+FROM histogram g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+WHERE g.kind = 1
+GROUP BY g.trace, g.no_free, g.exponent;
 
--- memory with an obligation to free against memory without
-CREATE VIEW with_free_no_free AS
-SELECT g.run_id, g.main_pid, g.kind, SUM(g.allocs) AS allocs, SUM(g.alloc_bytes) AS alloc_bytes, SUM(g.alloc_tot_bytes) AS alloc_tot_bytes, SUM(g.frees) AS frees, SUM(g.live_blocks) AS live_blocks, SUM(g.live_bytes) AS live_bytes, SUM(g.live_tot_bytes) AS live_tot_bytes FROM block_groups g GROUP BY g.run_id, g.main_pid, g.kind;
+-- blocks that ended by how many memory records they lived, by allocation id
+CREATE VIEW lifetimes_by_id AS
+SELECT r.name AS run, t.pid AS pid, CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind, n.name AS id_name, CASE WHEN g.exponent < 0 THEN 0 ELSE 1 << g.exponent END AS from_records, CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END AS to_records,
+  g.blocks, g.bytes
+FROM histogram g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+WHERE g.kind = 1;
+
+-- what keeps a trace from being complete
+CREATE VIEW losses AS
+SELECT r.name AS run, t.pid AS pid, g.what, g.count, g.first
+FROM trace_loss g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
+
+-- live memory at every marker of the program and its change since the one before
+CREATE VIEW marker_change AS
+SELECT r.name AS run, t.pid AS pid, g.place AS marker, g.record, g.time, g.text AS marker_text, g.live_blocks, g.live_bytes,
+  g.live_bytes - LAG(g.live_bytes, 1, 0) OVER (PARTITION BY g.trace ORDER BY g.place) AS live_change
+FROM program_mark g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
+
+-- live memory of an allocation id at the markers at which it had changed
+CREATE VIEW marker_change_by_id AS
+SELECT r.name AS run, t.pid AS pid, g.mark AS marker, m.record, m.time, m.text AS marker_text, n.name AS id_name,
+  g.bytes AS live_bytes,
+  g.bytes - LAG(g.bytes, 1, 0) OVER (PARTITION BY g.trace, g.id ORDER BY g.mark) AS live_change
+FROM mark_level g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN program_mark m ON m.trace = g.trace AND m.place = g.mark
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id;
+
+-- what was left out of a profile
+CREATE VIEW notes AS
+SELECT r.name AS run, t.pid AS pid, g.note
+FROM trace_note g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
+
+-- call paths as text, outermost function first; long ones keep their innermost part
+CREATE VIEW paths AS
+WITH RECURSIVE p(trace, place, depth, path) AS (
+  SELECT trace, place, 0, '(no function)' FROM call_path WHERE place = 0
+  UNION ALL
+  SELECT c.trace, c.place, p.depth + 1,
+    CASE WHEN p.depth = 0 THEN ''
+      WHEN LENGTH(p.path) > 4000 THEN '... > ' || SUBSTR(p.path, -2000) || ' > '
+      ELSE p.path || ' > ' END || CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END
+  FROM p JOIN call_path c INDEXED BY call_path_by_parent ON c.trace = p.trace AND c.parent = p.place AND c.parent < c.place
+  JOIN function_name f ON f.trace = c.trace AND f.place = c.function
+)
+SELECT r.name AS run, t.pid AS pid, g.depth, g.path
+FROM p g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
 
 -- bytes lost to the allocator's rounding, by allocation id
 CREATE VIEW rounding_by_id AS
-SELECT run_id, main_pid, malid, id_name, allocs, alloc_bytes, alloc_tot_bytes - alloc_bytes AS rounding_bytes, CASE WHEN alloc_bytes = 0 THEN 0 ELSE CAST(100 * (alloc_tot_bytes - alloc_bytes) / alloc_bytes AS BIGINT) END AS rounding_percent, live_tot_bytes - live_bytes AS live_rounding_bytes FROM by_id;
+SELECT r.name AS run, t.pid AS pid, n.name AS id_name, SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes - g.made_bytes) AS rounding_bytes,
+  CASE SUM(g.made_bytes) WHEN 0 THEN 0
+    ELSE 100.0 * SUM(g.made_tot_bytes - g.made_bytes) / SUM(g.made_bytes) END AS percent
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+GROUP BY g.trace, g.id;
 
--- how many memory records blocks lived, by allocation id
-CREATE VIEW lifetime_by_id AS
-WITH t AS (SELECT g.run_id, g.main_pid, g.malid, MIN(g.shortest_life) AS shortest, MAX(g.longest_life) AS longest, SUM(g.ended) AS ended, SUM(g.together_lived) AS together_lived, SUM(g.live_blocks) AS live_blocks FROM block_groups g GROUP BY g.run_id, g.main_pid, g.malid) SELECT t.run_id, t.main_pid, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.ended, t.shortest, CASE WHEN t.ended = 0 THEN NULL ELSE CAST(t.together_lived / t.ended AS BIGINT) END AS mean, t.longest, t.live_blocks AS never_ended FROM t;
-
--- number and bytes of blocks by how many memory records they lived
-CREATE VIEW lifetimes AS
-WITH t AS (SELECT b.run_id, b.main_pid, b.size, CASE WHEN b.end_rec IS NULL THEN NULL WHEN b.end_rec - b.rec <= 1 THEN 1 WHEN b.end_rec - b.rec <= 10 THEN 10 WHEN b.end_rec - b.rec <= 100 THEN 100 WHEN b.end_rec - b.rec <= 1000 THEN 1000 WHEN b.end_rec - b.rec <= 10000 THEN 10000 WHEN b.end_rec - b.rec <= 100000 THEN 100000 ELSE 1000000000 END AS up_to FROM block b) SELECT t.run_id, t.main_pid, CASE WHEN t.up_to IS NULL THEN 'live at the end' WHEN t.up_to = 1000000000 THEN 'more' ELSE 'up to ' || CAST(t.up_to AS VARCHAR(20)) END AS records, t.up_to, COUNT(*) AS blocks, SUM(t.size) AS bytes FROM t GROUP BY t.run_id, t.main_pid, t.up_to;
-
--- every block that is live at the end, with the names of its owner
-CREATE VIEW live_blocks AS
-SELECT t.run_id, t.main_pid, t.rec, t.size, t.tot_size, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.color, COALESCE((SELECT MIN(n.color_name) FROM color n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid AND n.color = t.color), 'unknown colour') AS color_name, t.location, COALESCE((SELECT MIN(n.source_line) FROM hashloc n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.location = t.location), 'unknown line') AS source_line, t.pid, COALESCE((SELECT MIN(n.session_name) FROM process n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid), 'default process') AS process_name, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee FROM block t WHERE t.end_rec IS NULL;
-
--- growth of the heap and its gaps, and who was running
-CREATE VIEW heap_growth AS
-SELECT t.run_id, t.main_pid, t.sbrk_row, t.record, t.time, CASE WHEN t.type = 'S' THEN 'growth' ELSE 'gap' END AS kind, CASE WHEN t.type = 'S' THEN t.size_or_c_sbrk ELSE t.size_or_c_sbrk - t.addr_or_l_sbrk END AS bytes, t.sbrk_total, t.gap_total, t.pid, COALESCE((SELECT MIN(n.session_name) FROM process n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid), 'default process') AS process_name, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee FROM sbrk t;
-
--- growth of the heap by caller and callee
-CREATE VIEW heap_by_arc AS
-WITH t AS (SELECT b.run_id, b.main_pid, b.pid, b.arc, MIN(b.caller_object) AS caller_object, MIN(b.caller_function) AS caller_function, MIN(b.callee_object) AS callee_object, MIN(b.callee_function) AS callee_function, COUNT(*) AS growths, SUM(b.size_or_c_sbrk) AS bytes FROM sbrk b WHERE b.type = 'S' GROUP BY b.run_id, b.main_pid, b.pid, b.arc) SELECT t.run_id, t.main_pid, t.pid, t.arc, COALESCE((SELECT MIN(n.caller_object_name || ':' || n.caller_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.caller_object AND n.function_number = t.caller_function), CAST(t.caller_object AS VARCHAR(20)) || ':' || CAST(t.caller_function AS VARCHAR(20))) AS caller, COALESCE((SELECT MIN(n.callee_object_name || ':' || n.callee_function_name) FROM arcs n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.pid = t.pid AND n.arc = t.arc), (SELECT MIN(n.object_name || ':' || n.function_name) FROM functions n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.object = t.callee_object AND n.function_number = t.callee_function), CAST(t.callee_object AS VARCHAR(20)) || ':' || CAST(t.callee_function AS VARCHAR(20))) AS callee, t.growths, t.bytes FROM t;
-
--- live memory at every marker and the change since the one before
-CREATE VIEW marker_change AS
-WITH t AS (SELECT k.run_id, k.main_pid, k.marker, k.time, k.type, k.subtype, k.marker_text, k.rec, COALESCE(LAG(k.rec) OVER (PARTITION BY k.run_id, k.main_pid ORDER BY k.marker), 0) AS from_rec FROM marker k) SELECT t.run_id, t.main_pid, t.marker, t.time, t.type, t.subtype, t.marker_text, t.from_rec, t.rec, CASE WHEN t.rec > 0 THEN COALESCE((SELECT MAX(m.global_live_size + m.global_nf_size) FROM memory m WHERE m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec = t.rec), 0) ELSE 0 END AS live_bytes, CASE WHEN t.rec > 0 THEN COALESCE((SELECT MAX(m.global_live_size + m.global_nf_size) FROM memory m WHERE m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec = t.rec), 0) ELSE 0 END - CASE WHEN t.from_rec > 0 THEN COALESCE((SELECT MAX(m.global_live_size + m.global_nf_size) FROM memory m WHERE m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec = t.from_rec), 0) ELSE 0 END AS live_change FROM t;
-
--- change of live memory between a marker and the one before, by allocation id
-CREATE VIEW marker_change_by_id AS
-WITH t AS (SELECT k.run_id, k.main_pid, k.marker, k.time, k.type, k.subtype, k.marker_text, k.rec, COALESCE(LAG(k.rec) OVER (PARTITION BY k.run_id, k.main_pid ORDER BY k.marker), 0) AS from_rec FROM marker k) , c AS (SELECT t.run_id, t.main_pid, t.marker, m.malid, COUNT(*) AS records, SUM(CASE WHEN m.type IN ('a', 'n') THEN 1 ELSE 0 END) AS allocs, SUM(m.size_change) AS live_change FROM t JOIN memory m ON m.run_id = t.run_id AND m.main_pid = t.main_pid AND m.rec > t.from_rec AND m.rec <= t.rec GROUP BY t.run_id, t.main_pid, t.marker, m.malid) SELECT t.run_id, t.main_pid, t.marker, t.malid, COALESCE((SELECT MIN(n.id_name) FROM id_names n WHERE n.run_id = t.run_id AND n.main_pid = t.main_pid AND n.malid = t.malid), 'unknown id') AS id_name, t.records, t.allocs, t.live_change FROM c t;
+-- the runs in the order of their imports
+CREATE VIEW run_list AS
+WITH s AS (
+  SELECT g.trace,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+  FROM block_group g GROUP BY g.trace
+)
+SELECT r.name AS run, r.imported_at, r.source, COUNT(t.trace) AS traces, r.complete,
+  COALESCE(MAX(t.from_rows), 0) AS from_rows, COALESCE(SUM(t.records), 0) AS records,
+  COALESCE(SUM(s.allocated_blocks), 0) AS allocated_blocks,
+  COALESCE(SUM(s.allocated_bytes), 0) AS allocated_bytes,
+  COALESCE(SUM(s.allocated_tot_bytes), 0) AS allocated_tot_bytes,
+  COALESCE(SUM(s.leaked_blocks), 0) AS leaked_blocks,
+  COALESCE(SUM(s.leaked_bytes), 0) AS leaked_bytes,
+  COALESCE(SUM(s.leaked_tot_bytes), 0) AS leaked_tot_bytes,
+  COALESCE(SUM(s.live_blocks), 0) AS live_blocks,
+  COALESCE(SUM(s.live_bytes), 0) AS live_bytes,
+  COALESCE(SUM(s.live_tot_bytes), 0) AS live_tot_bytes,
+  COALESCE(SUM(t.peak_blocks), 0) AS peak_blocks,
+  COALESCE(SUM(t.peak_bytes), 0) AS peak_bytes,
+  COALESCE(SUM(t.peak_tot_bytes), 0) AS peak_tot_bytes,
+  r.row_count
+FROM run r LEFT JOIN trace t ON t.run = r.run LEFT JOIN s ON s.trace = t.trace
+GROUP BY r.run ORDER BY r.run;
 
 -- who, when and how much, per trace of a run
-CREATE VIEW run_summary_query AS
-WITH m AS (SELECT run_id, main_pid, MAX(rec) AS records, SUM(CASE WHEN type IN ('a', 'n') THEN 1 ELSE 0 END) AS allocs, SUM(CASE WHEN type IN ('a', 'n') THEN size ELSE 0 END) AS alloc_bytes, SUM(CASE WHEN type = 'f' THEN 1 ELSE 0 END) AS frees, SUM(CASE WHEN type = 'f' AND linked_rec = 0 THEN 1 ELSE 0 END) AS frees_without_block, SUM(CASE WHEN type = 'r' AND linked_rec = 0 THEN 1 ELSE 0 END) AS resizes_without_block FROM memory GROUP BY run_id, main_pid) SELECT r.run_id, r.main_pid, r.program, r.environment, r.account, r.host, r.user_name, r.description, r.start_time, r.end_time, COALESCE(m.records, 0) AS records, COALESCE(m.allocs, 0) AS allocs, COALESCE(m.alloc_bytes, 0) AS alloc_bytes, COALESCE(m.frees, 0) AS frees, COALESCE(m.frees_without_block, 0) AS frees_without_block, COALESCE(m.resizes_without_block, 0) AS resizes_without_block, (SELECT COUNT(*) FROM process x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid) AS processes, (SELECT COUNT(*) FROM malid x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid) AS ids, p.peak_rec, COALESCE(p.peak_bytes, 0) AS peak_bytes, COALESCE(p.peak_tot_bytes, 0) AS peak_tot_bytes, p.peak_time, COALESCE((SELECT MAX(x.global_live_size + x.global_nf_size) FROM memory x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid AND x.rec = m.records), 0) AS live_bytes, COALESCE((SELECT MAX(x.global_live_tot_size + x.global_nf_tot_size) FROM memory x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid AND x.rec = m.records), 0) AS live_tot_bytes, COALESCE((SELECT MAX(x.sbrk_total) FROM sbrk x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid), 0) AS heap_bytes, COALESCE((SELECT MAX(x.gap_total) FROM sbrk x WHERE x.run_id = r.run_id AND x.main_pid = r.main_pid), 0) AS gap_bytes FROM runs r LEFT JOIN m ON m.run_id = r.run_id AND m.main_pid = r.main_pid LEFT JOIN peak p ON p.run_id = r.run_id AND p.main_pid = r.main_pid;
-CREATE TABLE run_summary AS SELECT * FROM run_summary_query WHERE 0;
-CREATE INDEX run_summary_by_run ON run_summary (run_id, main_pid);
+CREATE VIEW run_summary AS
+WITH s AS (
+  SELECT g.trace,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+  FROM block_group g GROUP BY g.trace
+)
+SELECT r.name AS run, t.pid AS pid, t.program, t.environment, t.account, t.host, t.user, t.description, t.start_time,
+  t.end_time, CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.from_rows, t.records, t.heap_bytes, t.gap_bytes,
+  t.peak_record, t.peak_time,
+COALESCE(s.allocated_blocks, 0) AS allocated_blocks,
+  COALESCE(s.allocated_bytes, 0) AS allocated_bytes,
+  COALESCE(s.allocated_tot_bytes, 0) AS allocated_tot_bytes,
+  COALESCE(s.freed_blocks, 0) AS freed_blocks,
+  COALESCE(s.freed_bytes, 0) AS freed_bytes,
+  COALESCE(s.freed_tot_bytes, 0) AS freed_tot_bytes,
+  COALESCE(s.leaked_blocks, 0) AS leaked_blocks,
+  COALESCE(s.leaked_bytes, 0) AS leaked_bytes,
+  COALESCE(s.leaked_tot_bytes, 0) AS leaked_tot_bytes,
+  COALESCE(s.reset_blocks, 0) AS reset_blocks,
+  COALESCE(s.reset_bytes, 0) AS reset_bytes,
+  COALESCE(s.reset_tot_bytes, 0) AS reset_tot_bytes,
+  COALESCE(s.released_blocks, 0) AS released_blocks,
+  COALESCE(s.released_bytes, 0) AS released_bytes,
+  COALESCE(s.released_tot_bytes, 0) AS released_tot_bytes,
+  COALESCE(s.live_blocks, 0) AS live_blocks,
+  COALESCE(s.live_bytes, 0) AS live_bytes,
+  COALESCE(s.live_tot_bytes, 0) AS live_tot_bytes,
+  COALESCE(s.peak_blocks, 0) AS peak_blocks,
+  COALESCE(s.peak_bytes, 0) AS peak_bytes,
+  COALESCE(s.peak_tot_bytes, 0) AS peak_tot_bytes,
+  COALESCE(s.temporary_blocks, 0) AS temporary_blocks,
+  COALESCE(s.temporary_bytes, 0) AS temporary_bytes,
+  COALESCE(s.temporary_tot_bytes, 0) AS temporary_tot_bytes,
+  COALESCE(s.resizes, 0) AS resizes
+FROM trace t JOIN run r ON r.run = t.run LEFT JOIN s ON s.trace = t.trace;
 
--- what the trace of a run lacks: frees without a block, unknown ids and lines, its end
-CREATE VIEW lost AS
-WITH u AS (SELECT g.run_id, g.main_pid, SUM(CASE WHEN i.malid IS NULL THEN g.blocks ELSE 0 END) AS of_unknown_ids, SUM(CASE WHEN l.location IS NULL THEN g.blocks ELSE 0 END) AS of_unknown_lines FROM block_groups g LEFT JOIN (SELECT DISTINCT run_id, main_pid, malid FROM malid) i ON i.run_id = g.run_id AND i.main_pid = g.main_pid AND i.malid = g.malid LEFT JOIN (SELECT DISTINCT run_id, main_pid, location FROM hashloc) l ON l.run_id = g.run_id AND l.main_pid = g.main_pid AND l.location = g.location GROUP BY g.run_id, g.main_pid) SELECT r.run_id, r.main_pid, r.frees_without_block, r.resizes_without_block, COALESCE(u.of_unknown_ids, 0) AS blocks_of_unknown_ids, COALESCE(u.of_unknown_lines, 0) AS blocks_of_unknown_lines, CASE WHEN EXISTS (SELECT 1 FROM marker k WHERE k.run_id = r.run_id AND k.main_pid = r.main_pid AND k.type = 'Record' AND k.subtype = 'End') THEN 1 ELSE 0 END AS replayed_to_its_end FROM run_summary r LEFT JOIN u ON u.run_id = r.run_id AND u.main_pid = r.main_pid;
+-- blocks by the size that they were made with
+CREATE VIEW sizes AS
+SELECT r.name AS run, t.pid AS pid, CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind, CASE WHEN g.exponent < 0 THEN 0 ELSE 1 << g.exponent END AS from_size, CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END AS to_size,
+  SUM(g.blocks) AS blocks, SUM(g.bytes) AS bytes
+FROM histogram g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+WHERE g.kind = 0
+GROUP BY g.trace, g.no_free, g.exponent;
+
+-- blocks by the size that they were made with, by allocation id
+CREATE VIEW sizes_by_id AS
+SELECT r.name AS run, t.pid AS pid, CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind, n.name AS id_name, CASE WHEN g.exponent < 0 THEN 0 ELSE 1 << g.exponent END AS from_size, CASE WHEN g.exponent < 0 THEN 0 ELSE (2 << g.exponent) - 1 END AS to_size,
+  g.blocks, g.bytes
+FROM histogram g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+WHERE g.kind = 0;
+
+-- live memory over time: highest and last, and the growth of the heap
+CREATE VIEW timeline AS
+SELECT r.name AS run, t.pid AS pid, g.place AS step, g.last_record, g.time, g.highest_bytes, g.last_bytes, g.heap_bytes
+FROM timeline_step g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run;
+
+-- live memory of an allocation id over time, where it changed
+CREATE VIEW timeline_by_id AS
+SELECT r.name AS run, t.pid AS pid, g.step, s.last_record, s.time, n.name AS id_name, g.bytes AS live_bytes
+FROM timeline_level g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN timeline_step s ON s.trace = g.trace AND s.place = g.step
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id;
+
+-- memory with an obligation to free against memory without
+CREATE VIEW with_free_no_free AS
+SELECT r.name AS run, t.pid AS pid, CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind,
+SUM(g.made_blocks) AS allocated_blocks,
+  SUM(g.made_bytes) AS allocated_bytes,
+  SUM(g.made_tot_bytes) AS allocated_tot_bytes,
+  SUM(g.freed_blocks) AS freed_blocks,
+  SUM(g.freed_bytes) AS freed_bytes,
+  SUM(g.freed_tot_bytes) AS freed_tot_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_blocks + g.live_blocks ELSE 0 END) AS leaked_blocks,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) AS leaked_bytes,
+  SUM(CASE g.no_free WHEN 0 THEN g.left_tot_bytes + g.live_tot_bytes ELSE 0 END) AS leaked_tot_bytes,
+  SUM(g.reset_blocks) AS reset_blocks,
+  SUM(g.reset_bytes) AS reset_bytes,
+  SUM(g.reset_tot_bytes) AS reset_tot_bytes,
+  SUM(g.released_blocks) AS released_blocks,
+  SUM(g.released_bytes) AS released_bytes,
+  SUM(g.released_tot_bytes) AS released_tot_bytes,
+  SUM(g.live_blocks) AS live_blocks,
+  SUM(g.live_bytes) AS live_bytes,
+  SUM(g.live_tot_bytes) AS live_tot_bytes,
+  SUM(g.peak_blocks) AS peak_blocks,
+  SUM(g.peak_bytes) AS peak_bytes,
+  SUM(g.peak_tot_bytes) AS peak_tot_bytes,
+  SUM(g.temporary_blocks) AS temporary_blocks,
+  SUM(g.temporary_bytes) AS temporary_bytes,
+  SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
+  SUM(g.resizes) AS resizes
+FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+GROUP BY g.trace, g.no_free;

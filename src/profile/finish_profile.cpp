@@ -87,7 +87,7 @@ void profiler::finish(profile& into) {
   name_lists names(reader_);
 
   into.groups.reserve(groups_.size());
-  groups_.for_each([&](const group_table::group& group) {
+  groups_.take_each([&](const group_table::group& group) {
     const group_key& key = group.key;
     block_group& named = into.groups.emplace_back();
     named.no_free = key.no_free;

@@ -4,6 +4,7 @@
 #include <absl/hash/hash.h>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "profile/profile.h"
@@ -41,8 +42,10 @@ class group_table {
 
   struct group {
     group_key key;
+    std::size_t hash = 0;  // of the key
     std::uint64_t resizes = 0;
     std::uint64_t peaks_seen = 0;  // `at_peak` is of the peak with this number
+    bool merged = false;           // another group took the figures over
     std::array<amount, figure_count> figures{};
 
     amount& operator[](figure which) { return figures[static_cast<std::size_t>(which)]; }
@@ -51,17 +54,20 @@ class group_table {
     }
   };
 
-  group_table() : index_(0, hash{&groups_}, equal{&groups_}) {}
+  group_table() : index_(0, hash{this}, equal{this}) {}
   group_table(const group_table&) = delete;
   group_table& operator=(const group_table&) = delete;
 
   // The group of a new block. Beyond the limit of groups a new key gets a folded group.
   handle find_or_add(const group_key& key);
-  group& operator[](handle which) { return groups_[which]; }
+  group& operator[](handle which) { return chunks_[which / chunk_size][which % chunk_size]; }
+  const group& operator[](handle which) const {
+    return chunks_[which / chunk_size][which % chunk_size];
+  }
 
   // Live memory of the group, to be changed.
   amount& live(handle which) {
-    group& changed = groups_[which];
+    group& changed = (*this)[which];
     settle_peak(changed);
     return changed[figure::live];
   }
@@ -72,13 +78,19 @@ class group_table {
   // over: it comes back, else the group itself.
   handle set_query(handle which, std::uint64_t query);
 
-  // Every group with what was live in it at the last peak. To be called once nothing changes.
+  // Hands over every group with what was live in it at the last peak; the table is empty then.
   template <class Action>
-  void for_each(Action action) {
-    for (const handle which : index_) {
-      settle_peak(groups_[which]);
-      action(groups_[which]);
+  void take_each(Action action) {
+    index_.clear();
+    for (std::vector<group>& chunk : chunks_) {
+      for (group& one : chunk) {
+        if (one.merged) continue;
+        settle_peak(one);
+        action(std::as_const(one));
+      }
+      chunk = {};
     }
+    chunks_.clear();
   }
 
   std::size_t size() const { return index_.size(); }
@@ -87,6 +99,7 @@ class group_table {
 
  private:
   static constexpr std::size_t max_groups = 1'000'000;
+  static constexpr handle chunk_size = 1024;
 
   void settle_peak(group& changed) const {
     if (changed.peaks_seen == peaks_) return;
@@ -94,22 +107,29 @@ class group_table {
     changed.peaks_seen = peaks_;
   }
 
+  // A key is hashed once, also when the index grows.
+  struct hashed_key {
+    const group_key& key;
+    std::size_t hash;
+  };
   struct hash {
     using is_transparent = void;
-    std::size_t operator()(const group_key& key) const { return absl::Hash<group_key>{}(key); }
-    std::size_t operator()(handle which) const { return (*this)((*groups)[which].key); }
-    const std::vector<group>* groups;
+    std::size_t operator()(const hashed_key& key) const { return key.hash; }
+    std::size_t operator()(handle which) const { return (*table)[which].hash; }
+    const group_table* table;
   };
   struct equal {
     using is_transparent = void;
-    bool operator()(handle a, handle b) const { return a == b; }
-    bool operator()(handle a, const group_key& b) const { return (*groups)[a].key == b; }
-    bool operator()(const group_key& a, handle b) const { return (*groups)[b].key == a; }
-    const std::vector<group>* groups;
+    bool operator()(handle a, handle b) const { return (*table)[a].key == (*table)[b].key; }
+    bool operator()(handle a, const hashed_key& b) const { return (*table)[a].key == b.key; }
+    bool operator()(const hashed_key& a, handle b) const { return (*table)[b].key == a.key; }
+    const group_table* table;
   };
 
-  std::vector<group> groups_;
-  std::vector<handle> free_;  // places of groups that were merged into others
+  handle add(const hashed_key& key);
+
+  std::vector<std::vector<group>> chunks_;  // all full but the last
+  std::vector<handle> free_;                // places of groups that were merged into others
   absl::flat_hash_set<handle, hash, equal> index_;
   std::uint64_t peaks_ = 0;
   std::uint64_t blocks_folded_ = 0;

@@ -43,7 +43,8 @@ std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const 
     for (std::size_t i = 0; i < trace.kept.size(); ++i) {
       const block_group& group = trace.trace->groups[i];
       if (!trace.kept[i]) continue;
-      sums[number_of(trace, group, key)].add(group.no_free, measured(group, of));
+      const amount counted = measured(group, of);
+      if (counted != amount{}) sums[number_of(trace, group, key)].add(group.no_free, counted);
     }
   }
   return sums;

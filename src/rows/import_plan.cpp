@@ -3,42 +3,15 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <set>
 
 #include "rows/import_script.h"
+#include "tables/csv_names.h"
 
 namespace kiv::rows {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct csv_name {
-  std::string run_id;
-  const csv_table* table;
-  std::string number;
-};
-
-// Takes "kiv.RUN.TABLE.NUMBER.csv" apart. The run id may hold dots.
-std::optional<csv_name> parse_csv_name(std::string_view name) {
-  if (!name.starts_with("kiv.") || !name.ends_with(".csv")) return std::nullopt;
-  name = name.substr(0, name.size() - 4);
-  const auto number_dot = name.rfind('.');
-  const auto table_dot = number_dot == 0 ? 0 : name.rfind('.', number_dot - 1);
-  if (table_dot < 4 || number_dot <= table_dot) return std::nullopt;
-  const auto number = name.substr(number_dot + 1);
-  const csv_table* table = find_csv_table(name.substr(table_dot + 1, number_dot - table_dot - 1));
-  const bool digits = !number.empty() && number.size() <= 10 &&
-                      number.find_first_not_of("0123456789") == std::string_view::npos;
-  if (!table || !digits) return std::nullopt;
-  return csv_name{std::string(name.substr(4, table_dot - 4)), table, std::string(number)};
-}
-
-// Run id of "kiv.RUN.sql".
-std::optional<std::string> parse_script_name(std::string_view name) {
-  if (!name.starts_with("kiv.") || !name.ends_with(".sql") || name.size() < 8) return std::nullopt;
-  return std::string(name.substr(4, name.size() - 8));
-}
 
 class planner {
  public:
@@ -128,14 +101,14 @@ class planner {
   }
 
   bool add_script(const std::string& path) {
-    std::vector<import_statement> statements;
+    std::vector<named_csv_file> statements;
     if (!read_import_script(path, statements, error_)) return false;
     for (const auto& s : statements) {
-      if (s.run_id.find('/') != std::string::npos) {
+      if (s.runid.find('/') != std::string::npos) {
         error_ = path + ": a run id with a '/'";
         return false;
       }
-      if (!add_file(path, s.run_id, s.table, s.number)) return false;
+      if (!add_file(path, s.runid, s.table, s.number)) return false;
     }
     return true;
   }
@@ -146,13 +119,13 @@ class planner {
     for (const auto& name : names_) {
       const auto csv = parse_csv_name(name);
       if (!csv || announced_.contains(name)) continue;
-      if (scripts_.contains(csv->run_id)) {
-        if (whole_directory || seen_.contains(csv->run_id)) {
-          plan_.notes.push_back(directory_ + "/" + name + ": left out, kiv." + csv->run_id +
+      if (scripts_.contains(csv->runid)) {
+        if (whole_directory || seen_.contains(csv->runid)) {
+          plan_.notes.push_back(directory_ + "/" + name + ": left out, kiv." + csv->runid +
                                 ".sql does not announce it");
         }
-      } else if (whole_directory || seen_.contains(csv->run_id)) {
-        if (!add_file(directory_, csv->run_id, csv->table, csv->number)) return false;
+      } else if (whole_directory || seen_.contains(csv->runid)) {
+        if (!add_file(directory_, csv->runid, csv->table, csv->number)) return false;
       }
     }
     return true;
@@ -160,8 +133,7 @@ class planner {
 
   bool add_file(const std::string& source, const std::string& run_id, const csv_table* table,
                 const std::string& number) {
-    const std::string name =
-        "kiv." + run_id + "." + std::string(table->name) + "." + number + ".csv";
+    const std::string name = make_csv_name(run_id, table->name, number);
     if (!announced_.insert(name).second) return true;  // a script names some files twice
     std::error_code failure;
     const auto real = fs::weakly_canonical(directory_ + "/" + name, failure);
@@ -211,6 +183,11 @@ bool make_import_plan(const std::vector<std::string>& sources, import_plan& plan
     return false;
   }
   return p.finish();
+}
+
+const run_plan* find_run(const import_plan& plan, std::string_view run_id) {
+  const auto found = std::ranges::find(plan.runs, safe_runid(run_id), &run_plan::run_id);
+  return found == plan.runs.end() ? nullptr : &*found;
 }
 
 }  // namespace kiv::rows

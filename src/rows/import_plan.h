@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tables/csv_tables.h"
@@ -35,5 +36,8 @@ struct import_plan {
 // was named before, in whatever way.
 bool make_import_plan(const std::vector<std::string>& sources, import_plan& plan,
                       std::string& error);
+
+// The files of a run by its id, whatever bytes that has; null when the plan has none.
+const run_plan* find_run(const import_plan& plan, std::string_view run_id);
 
 }  // namespace kiv::rows

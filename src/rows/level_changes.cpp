@@ -64,8 +64,9 @@ void timeline_builder::halve() {
       changed = std::move(both.changed);
       changed.insert(changed.end(), first.changed.begin(), first.changed.end());
       std::ranges::stable_sort(changed, {}, &id_level::id);
-      const auto rest = std::ranges::unique(changed, {}, &id_level::id);
-      changed.erase(rest.begin(), rest.end());
+      changed.erase(std::unique(changed.begin(), changed.end(),
+                                [](const id_level& a, const id_level& b) { return a.id == b.id; }),
+                    changed.end());
     } else {
       changed = std::move(both.changed);
     }

@@ -1,8 +1,11 @@
 #include "rows/load_rows.h"
 
+#include <algorithm>
+
 #include "rows/row_tables.h"
 #include "rows/table_writer.h"
 #include "rows/trace_totals.h"
+#include "util/printable.h"
 
 namespace kiv::rows {
 namespace {
@@ -34,6 +37,13 @@ std::optional<std::uint64_t> load_rows(store::database& db, const run_plan& plan
   done = done && reading.begin();
   for (const auto& table : csv_tables()) {
     done = done && load_table(db, reading, table, run, totals, count);
+  }
+  const bool same_run = run.traces.empty() || std::ranges::any_of(run.traces, [&](const auto& p) {
+                          return p.run == reading.run_id();
+                        });
+  if (done && !same_run) {
+    done =
+        reading.fail(plan.source + ": the tables are those of the run " + quoted(reading.run_id()));
   }
   if (done) {
     const std::string reason = totals.compare(run);

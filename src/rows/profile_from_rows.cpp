@@ -1,6 +1,7 @@
 #include "rows/profile_from_rows.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "rows/block_books.h"
@@ -8,6 +9,8 @@
 
 namespace kiv::rows {
 namespace {
+
+constexpr std::uint64_t max_size = std::numeric_limits<std::uint32_t>::max();
 
 struct memory_columns {
   explicit memory_columns(const table_rows& t)
@@ -77,6 +80,11 @@ class row_replay {
     if (finds_no_block) {
       ++resizes_without_block_;
       return true;
+    }
+    // The analyser keeps sizes in 32 bits; larger ones would make sums overflow.
+    if ((type == 'a' || type == 'n' || type == 'r') &&
+        (number(column_.size) > max_size || number(column_.tot_size) > max_size)) {
+      return fail("a block of " + std::to_string(number(column_.size)) + " bytes");
     }
     books_->begin_record(record);
     if (!take_ends(type, record, linked)) return false;

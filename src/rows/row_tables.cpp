@@ -32,11 +32,13 @@ std::string create_table(const csv_table& table) {
 
 }  // namespace
 
-bool make_row_tables(store::database& db) {
+bool make_row_tables(store::database& db) { return db.exec(row_schema_sql()); }
+
+std::string row_schema_sql() {
   std::string sql;
   for (const auto& table : csv_tables()) sql += create_table(table);
   for (const auto& file : row_schema()) sql += file.text;
-  return db.exec(sql);
+  return sql;
 }
 
 std::string insert_statement(const csv_table& table) {

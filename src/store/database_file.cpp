@@ -121,15 +121,23 @@ bool open_for_imports(database& db, const std::string& path, creation_lock& lock
                       std::string& error) {
   const found there = look_at(path, error);
   if (there == found::other) return false;
-  if (!lock.take(directory_of(path))) {
-    return fail(error, "another import has been making a database in this directory for " +
-                           std::to_string(import_wait) + " s");
+  const auto open_file = [&](int create, bool& is_new) {
+    if (!db.open(path, SQLITE_OPEN_READWRITE | create)) return fail(error, db.error());
+    db.wait_for_locks(import_wait);
+    return recognise(db, is_new, error);
+  };
+  bool is_new = true;
+  if (there == found::file && !open_file(0, is_new)) return false;
+  if (is_new) {
+    db.close();
+    if (!lock.take(directory_of(path))) {
+      return fail(error, "another import has been making a database in this directory for " +
+                             std::to_string(import_wait) + " s");
+    }
+    // Another import may have made the file, or deleted the one just seen.
+    if (!open_file(SQLITE_OPEN_CREATE, is_new)) return false;
+    if (!is_new) lock.release();
   }
-  if (!db.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return fail(error, db.error());
-  db.wait_for_locks(import_wait);
-  bool is_new = false;
-  if (!recognise(db, is_new, error)) return false;
-  if (!is_new) lock.release();
   if (sqlite3_db_readonly(db.handle(), "main") == 1) return fail(error, "cannot be written");
   return db.exec("PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536") || fail(error, db.error());
 }

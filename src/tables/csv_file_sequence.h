@@ -17,7 +17,7 @@ class csv_file_sequence {
   void go_on(table_id table) { ++numbers_[static_cast<std::size_t>(table)]; }
   // The name of the table's current file.
   std::string get_sequence(table_id table, std::string_view runid) const {
-    return make_csv_name(runid, describe(table).name, curr_sequence(table));
+    return make_csv_name(runid, describe(table).name, std::to_string(curr_sequence(table)));
   }
 
  private:

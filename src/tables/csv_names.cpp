@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::string_view file_start = "kiv.";
 constexpr std::string_view csv_end = ".csv";
+constexpr std::string_view script_end = ".sql";
 constexpr std::string_view call_start = "execute ";
 constexpr std::string_view procedure = "Do_Import_Kiv_Csv_File";
 constexpr std::string_view procedure_of_memory = "Do_Import_Kiv_Csv_File_Memory";
@@ -57,10 +58,18 @@ std::string safe_runid(std::string_view runid) {
 }
 
 std::string make_script_name(std::string_view runid) {
-  return fmt::format("{}{}.sql", file_start, safe_runid(runid));
+  return fmt::format("{}{}{}", file_start, safe_runid(runid), script_end);
 }
 
-std::string make_csv_name(std::string_view runid, std::string_view table, int number) {
+std::optional<std::string> parse_script_name(std::string_view name) {
+  const std::size_t around = file_start.size() + script_end.size();
+  if (!name.starts_with(file_start) || !name.ends_with(script_end) || name.size() < around) {
+    return std::nullopt;
+  }
+  return std::string(name.substr(file_start.size(), name.size() - around));
+}
+
+std::string make_csv_name(std::string_view runid, std::string_view table, std::string_view number) {
   return fmt::format("{}{}.{}.{}{}", file_start, safe_runid(runid), table, number, csv_end);
 }
 

@@ -16,9 +16,11 @@ std::string safe_runid(std::string_view runid);
 
 // "kiv." run id ".sql"
 std::string make_script_name(std::string_view runid);
+// The run id as the name of a script spells it; nothing for a name of another form.
+std::optional<std::string> parse_script_name(std::string_view name);
 
 // "kiv." run id "." table "." number ".csv"
-std::string make_csv_name(std::string_view runid, std::string_view table, int number);
+std::string make_csv_name(std::string_view runid, std::string_view table, std::string_view number);
 
 // A file of a table, as its name or an import statement tells it.
 struct named_csv_file {

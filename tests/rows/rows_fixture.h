@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -75,10 +76,10 @@ class rows_test : public ::testing::Test {
       const auto dot = name.find('.');
       const std::string table = name.substr(0, dot), number = name.substr(dot + 1);
       const bool marked = table == "queries" || table == "flowdata";
-      script += "execute Do_Import_Kiv_Csv_File" + std::string(table == "memory" ? "_Memory" : "") +
-                " @Path, '" + run_id + "', '" + table + "1', '" + table + "', '" + number + "'" +
-                (marked ? ", '<<>>'" : "") + ";\n";
-      put_file(dir_ / ("kiv." + run_id + "." + name + ".csv"), bytes);
+      script += fmt::format("execute Do_Import_Kiv_Csv_File{} @Path, '{}', '{}1', '{}', '{}'{};\n",
+                            table == "memory" ? "_Memory" : "", run_id, table, table, number,
+                            marked ? ", '<<>>'" : "");
+      put_file(dir_ / fmt::format("kiv.{}.{}.csv", run_id, name), bytes);
     }
     put_file(dir_ / ("kiv." + run_id + ".sql"), script);
   }

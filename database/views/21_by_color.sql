@@ -1,0 +1,9 @@
+-- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by colour of an allocation id
+WITH g AS (
+  SELECT g.*, {{id_name}}, {{color_name}}
+  FROM block_groups g
+)
+SELECT g.run_id, g.main_pid, g.id_name, g.color_name,
+{{figures}}
+FROM g
+GROUP BY g.run_id, g.main_pid, g.id_name, g.color_name
