@@ -112,7 +112,7 @@ bool replay(const std::vector<std::string>& headers, std::vector<run_profile>& r
     profile trace;
     std::string reason;
     if (!profile_trace(header, trace, reason)) {
-      if (unread.count++ == 0) unread.first = header + ": " + reason;
+      if (unread.count++ == 0) unread.first = reason;  // names the header
       continue;
     }
     if (!seen.emplace(trace.run, trace.pid).second) {

@@ -215,6 +215,17 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
   }
 }
 
+TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
+  write_runs();
+  std::ofstream(dir_ / "A/kiv.43.kivhdr") << "no header";
+  const auto run = kivdb("report A --json");
+  EXPECT_EQ(run.status, 0) << run.err;
+  const auto json = read_json(run.out);
+  EXPECT_EQ(json["runs"][0]["traces"][0]["complete"].scalar, "false");
+  EXPECT_EQ(json["runs"][0]["traces"][0]["losses"][0]["what"].scalar, "unreadable header");
+  EXPECT_EQ(kivdb("diff A B --fail-above leaked=1G").status, 4);
+}
+
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
   for (const std::string command :
        {"import", "report", "tree", "diff", "trend", "runs", "forget", "show", "views", "sql"}) {
