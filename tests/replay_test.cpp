@@ -67,6 +67,7 @@ struct counted_rows {
       const char type = memory.text(i, "type")[0];
       ++records[type];
       if (type != 'a' && type != 'n' && type != 'r') continue;
+      if (type == 'r' && memory.number(i, "linked_rec") == 0) continue;  // found no block
       size_of[memory.number(i, "rec")] = memory.number(i, "size");
       if (type != 'r') add(made[type], memory.number(i, "size"));
     }

@@ -59,7 +59,7 @@ std::uint32_t name_lists::color(std::uint32_t id_number, std::uint32_t number) {
   if (!is_new) return entry->second;
   const KivMalid& owner = *reader_.reserve_ids().get_reserve_id(id_number);
   const std::uint32_t owner_place = id(id_number);
-  const bool named = reader_.reserve_ids().knows(id_number) && owner.has_color_name(number);
+  const bool named = reader_.reserve_ids().knows(id_number) && number < owner.color_count();
   const std::string name = named ? owner.color_name(number) : "unknown colour";
   if (!named && owner_place == 0) {
     shared_ = true;

@@ -31,7 +31,6 @@ class KivMalid {
   void set_color(std::uint32_t color, std::string_view name);
   // "Bad Color" for a colour that was never named.
   const std::string& color_name(std::uint32_t color) const;
-  bool has_color_name(std::uint32_t color) const { return color_names_.find(color) != nullptr; }
   // The number of colours that count: an implausible number in the record counts as none.
   std::uint32_t color_count() const;
 
