@@ -77,6 +77,8 @@ const char* row_parser::read(std::size_t column, const char* at, const char* end
         return nullptr;
       }
       stop = at + time_length;
+      // Nanoseconds of a second or more, as a damaged trace may have them, make it longer.
+      if (stop != end && *stop >= '0' && *stop <= '9') ++stop;
       break;
     case column_type::character:
       if (at == end) {
