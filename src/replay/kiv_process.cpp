@@ -44,6 +44,7 @@ KivProcess::KivProcess(KivReserveId_db& ids, diagnostics& faults)
 
 process_malid_stat* KivProcess::get_mc_stat(std::uint32_t malid) {
   if (malid == latest_malid_ && latest_book_ != nullptr) return latest_book_;
+  if (process_malid_stat* shared = ids_.shared_process_book()) return shared;
   auto& book = malid_stats_[malid];
   if (book == nullptr) book = ids_.make_process_book(malid);
   latest_malid_ = malid;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "replay/kiv_malid.h"
 #include "util/number_table.h"
@@ -19,7 +20,8 @@ struct heap_total {
 // The book of allocation ids: number -> id. A number that was not reserved has the default id.
 class KivReserveId_db {
  public:
-  explicit KivReserveId_db(kiv_reader& reader);
+  // `per_process`: whether every process keeps a book of each id; see shared_process_book().
+  KivReserveId_db(kiv_reader& reader, bool per_process);
 
   // Never null.
   KivMalid* get_reserve_id(std::uint32_t id) const {
@@ -45,6 +47,12 @@ class KivReserveId_db {
   // A book of the id for a process, with as many colours as the id has now.
   process_book_ptr make_process_book(std::uint32_t id) {
     return process_books_.make(get_reserve_id(id)->color_count());
+  }
+
+  // Where nobody asks for the books of ids within processes, the one that takes what belongs into
+  // any of them; else null.
+  process_malid_stat* shared_process_book() {
+    return shared_process_book_ ? &*shared_process_book_ : nullptr;
   }
 
   // Book an event in the run-wide bundle; return its memory record number.
@@ -82,6 +90,7 @@ class KivReserveId_db {
   kiv_reader& reader_;
   object_pool<KivMalid> pool_;
   object_pool<process_malid_stat> process_books_;
+  std::optional<process_malid_stat> shared_process_book_;
   number_table<malid_ptr> ids_;
   mutable KivMalid default_id_;
   KivMalid* current_ = nullptr;  // the id reserved last
