@@ -150,9 +150,9 @@ def reported_lists(kivdb, run):
 def main():
     kiv, kivdb = (os.path.abspath(path) for path in sys.argv[1:3])
     faults = figures = 0
-    for source in sys.argv[3:]:
+    for source in [os.path.abspath(path) for path in sys.argv[3:]]:
         with tempfile.TemporaryDirectory() as scratch:
-            name = os.path.basename(os.path.abspath(source))
+            name = os.path.basename(source)
             run = os.path.join(scratch, name)
             os.mkdir(run)
             for path in glob.glob(glob.escape(source) + "/*.kiv*"):
