@@ -1,6 +1,5 @@
 #include <iostream>
 #include <memory>
-#include <ranges>
 
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
@@ -35,13 +34,13 @@ void print_other_runs(const std::string& path, const std::string& shown) {
   const auto runs = database.runs(error);
   if (!runs || runs->size() < 2) return;
   std::size_t left = most_other_runs;
-  for (const auto& run : *runs | std::views::reverse) {
-    if (run.name == shown) continue;
+  for (auto run = runs->rbegin(); run != runs->rend(); ++run) {
+    if (run->name == shown) continue;
     if (left-- == 0) {
       others += ", ...";
       break;
     }
-    others += (others.empty() ? "" : ", ") + report::quoted_name(run.name);
+    others += (others.empty() ? "" : ", ") + report::quoted_name(run->name);
   }
   std::cout << "\nOther runs (--run): " << others << '\n';
 }
