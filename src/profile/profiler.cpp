@@ -13,7 +13,7 @@ namespace kiv {
 namespace {
 
 constexpr std::size_t max_marks = 10'000;
-constexpr std::size_t max_mark_levels = 256 * 1024;
+constexpr std::size_t max_mark_levels = std::size_t{256} * 1024;
 
 }  // namespace
 

@@ -54,7 +54,7 @@ class timeline {
 
  private:
   static constexpr std::size_t max_steps = 1000;
-  static constexpr std::size_t max_levels = 256 * 1024;  // of all steps together
+  static constexpr std::size_t max_levels = std::size_t{256} * 1024;  // of all steps together
 
   struct step {
     std::uint64_t last_record = 0;
