@@ -17,7 +17,6 @@ if [ ! -e "$libraries/complete" ]; then
   cat >"$apt/apt.conf" <<END
 APT::Architecture "i386";
 APT::Architectures { "i386"; };
-APT::Sandbox::User "$(id -un)";
 Dir::State "$apt";
 Dir::State::status "$apt/status";
 Dir::Cache "$apt/cache";
