@@ -21,11 +21,6 @@ struct trace_figures {
   std::size_t ids = 0;
 };
 
-struct list_choice {
-  measure of;
-  group_key by;
-};
-
 struct report_options {
   std::vector<list_choice> lists = {};
   std::optional<std::size_t> top = {};  // rows of a list; none: all
