@@ -19,7 +19,6 @@ namespace kiv::db {
 namespace {
 
 using report::column_kind;
-using report::quoted_name;
 
 struct import_arguments {
   std::vector<std::string> sources;

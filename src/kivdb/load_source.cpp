@@ -21,7 +21,6 @@ namespace kiv::db {
 namespace {
 
 namespace fs = std::filesystem;
-using report::quoted_name;
 
 constexpr std::string_view header_mark = "kivhdr";
 constexpr std::string_view database_magic("SQLite format 3\0", 16);

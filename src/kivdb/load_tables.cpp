@@ -38,7 +38,7 @@ std::optional<decltype(store::save_options::rows)> run_tables::loader(const run_
       return count;
     };
   }
-  error = "there are no tables of run " + report::quoted_name(run_id) +
+  error = "there are no tables of run " + quoted_name(run_id) +
           " beside its trace; `kiv -R` writes them";
   return std::nullopt;
 }

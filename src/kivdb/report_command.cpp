@@ -40,7 +40,7 @@ void print_other_runs(const std::string& path, const std::string& shown) {
       others += ", ...";
       break;
     }
-    others += (others.empty() ? "" : ", ") + report::quoted_name(run->name);
+    others += (others.empty() ? "" : ", ") + quoted_name(run->name);
   }
   std::cout << "\nOther runs (--run): " << others << '\n';
 }

@@ -42,7 +42,7 @@ int run_trend(const trend_arguments& arguments) {
     if (!trend.add(*run, error)) return complain(error);
   }
   if (!trend.process_was_seen()) {
-    return complain("no run has a process " + report::quoted_name(*options.filter.process));
+    return complain("no run has a process " + quoted_name(*options.filter.process));
   }
   const report::print_style style = arguments.output.style();
   const bool for_people = style.format == report::output_format::terminal;

@@ -23,8 +23,6 @@ std::size_t display_width(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, std::not_fn(is_continuation)));
 }
 
-std::string quoted_name(std::string_view name) { return kiv::quoted(name); }
-
 std::string shortened(std::string_view text, std::size_t width) {
   const std::size_t columns = display_width(text);
   if (columns <= width) return std::string(text);

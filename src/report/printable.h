@@ -7,9 +7,6 @@
 
 namespace kiv::report {
 
-// A name in a message: printable, in single quotes.
-std::string quoted_name(std::string_view name);
-
 // Columns that a printable text takes, counting one per character.
 std::size_t display_width(std::string_view text);
 

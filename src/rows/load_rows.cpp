@@ -42,8 +42,8 @@ std::optional<std::uint64_t> load_rows(store::database& db, const run_plan& plan
                           return p.run == reading.run_id();
                         });
   if (done && !same_run) {
-    done =
-        reading.fail(plan.source + ": the tables are those of the run " + quoted(reading.run_id()));
+    done = reading.fail(plan.source + ": the tables are those of the run " +
+                        quoted_name(reading.run_id()));
   }
   if (done) {
     const std::string reason = totals.compare(run);

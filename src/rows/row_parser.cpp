@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "util/decimal.h"
 #include "util/printable.h"
 
 namespace kiv::rows {
@@ -11,8 +12,6 @@ namespace {
 
 // More surplus separators than this are no longer taken for part of a text.
 constexpr std::ptrdiff_t max_surplus = 64;
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // Reads a decimal number. Null when there is none or it does not fit.
 const char* read_number(const char* at, const char* end, bool is_signed, std::int64_t& value) {

@@ -58,15 +58,15 @@ bool run_reading::begin() {
 bool run_reading::accepts(std::string_view run_id, std::string& reason) {
   if (run_id == run_id_) return true;
   if (safe_runid(run_id) != run_.run_id) {
-    reason = "run id " + quoted(run_id.substr(0, 40)) + " in a file of another run";
+    reason = "run id " + quoted_name(run_id.substr(0, 40)) + " in a file of another run";
     return false;
   }
   if (run_id_.empty()) {
     run_id_ = run_id;
     return true;
   }
-  reason =
-      "rows of the runs " + quoted(run_id_) + " and " + quoted(run_id) + " stand in the same files";
+  reason = "rows of the runs " + quoted_name(run_id_) + " and " + quoted_name(run_id) +
+           " stand in the same files";
   return fail(reason);
 }
 

@@ -3,14 +3,9 @@
 #include <algorithm>
 
 #include "rows/row_parser.h"
+#include "util/decimal.h"
 
 namespace kiv::rows {
-namespace {
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-}  // namespace
-
 bool starts_with_time(std::string_view text) {
   constexpr std::string_view shape = "dddd-dd-dd dd:dd:dd.ddd";
   static_assert(shape.size() == time_length);

@@ -99,7 +99,7 @@ std::optional<query> prepare_view(run_store& store, std::string_view view,
                                   const std::optional<std::string>& run, std::string& error) {
   const auto* found = find_view(view);
   if (found == nullptr) {
-    error = "no view " + quoted(view) + "; `kivdb views` lists them";
+    error = "no view " + quoted_name(view) + "; `kivdb views` lists them";
     return std::nullopt;
   }
   if (run && !store.has_run(*run, error)) return std::nullopt;

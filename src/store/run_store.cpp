@@ -19,7 +19,7 @@ std::string duplicate_of(const run_profile& run) {
   std::set<std::pair<std::string_view, std::int64_t>> seen;
   for (const auto& trace : run.traces) {
     if (seen.emplace(trace.run, trace.pid).second) continue;
-    return "two traces of the run " + quoted(trace.run) + " with the process id " +
+    return "two traces of the run " + quoted_name(trace.run) + " with the process id " +
            std::to_string(trace.pid) + "; is one trace named twice?";
   }
   return {};
@@ -86,7 +86,7 @@ save_result run_store::save_within(const run_profile& run, const save_options& o
   if (stored.failed()) return fail();
   const bool complete = is_complete(run);
   if (replaces && stored.number(0) != 0 && !complete) {
-    error = "a complete run " + quoted(run.name) +
+    error = "a complete run " + quoted_name(run.name) +
             " is stored, and this one cannot replace it: " + losses_of(run);
     return save_result::refused_incomplete;
   }
@@ -155,7 +155,7 @@ bool run_store::has_run(std::string_view name, std::string& error) {
   statement find = db_.prepare("SELECT 1 FROM run WHERE name = ?");
   if (find) find.bind(1, name);
   if (find && find.step()) return true;
-  error = !find || find.failed() ? db_.error() : "no run " + quoted(name);
+  error = !find || find.failed() ? db_.error() : "no run " + quoted_name(name);
   return false;
 }
 
@@ -214,7 +214,7 @@ std::optional<run_profile> run_store::load(std::string_view name, std::string& e
     return std::nullopt;
   }
   if (found) return run;
-  error = "no run " + quoted(name);
+  error = "no run " + quoted_name(name);
   return std::nullopt;
 }
 

@@ -7,6 +7,8 @@
 
 namespace kiv {
 
+inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
 // The longest decimal text of a 64-bit number, its sign included.
 inline constexpr std::size_t max_decimal_length = 20;
 

@@ -46,6 +46,6 @@ std::string printable(std::string_view text) {
   return shown;
 }
 
-std::string quoted(std::string_view name) { return '\'' + printable(name) + '\''; }
+std::string quoted_name(std::string_view name) { return '\'' + printable(name) + '\''; }
 
 }  // namespace kiv

@@ -13,6 +13,6 @@ std::string printable(std::string_view text);
 std::size_t utf8_length(std::string_view text);
 
 // A name in a message: printable, in single quotes.
-std::string quoted(std::string_view name);
+std::string quoted_name(std::string_view name);
 
 }  // namespace kiv

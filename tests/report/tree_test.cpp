@@ -15,7 +15,7 @@ using test::run_of;
 
 // main leaks 10 itself; main > a 20, main > a > b 300, main > b 70; other 100; and one block of 5
 // without a call path.
-run_profile sample() {
+run_profile forest() {
   made_profile trace;
   trace.leak({.path = {"x:main"}}, 1, 10)
       .leak({.path = {"x:main", "x:b"}}, 1, 70)
@@ -38,7 +38,7 @@ std::string printed(const run_profile& run, const tree_options& options,
 
 TEST(Tree, JsonHasInclusiveAndSelfSumsLargestFirst) {
   const auto json =
-      read_json(printed(sample(), {.of = measure::leaked, .min_share = 0}, output_format::json));
+      read_json(printed(forest(), {.of = measure::leaked, .min_share = 0}, output_format::json));
   const struct {
     const char* function;
     long long depth, inclusive, self;
@@ -57,7 +57,7 @@ TEST(Tree, JsonHasInclusiveAndSelfSumsLargestFirst) {
 }
 
 TEST(Tree, TheShareCutsAndTheRestIsCounted) {
-  EXPECT_EQ(printed(sample(), {.of = measure::leaked, .min_share = 20}),
+  EXPECT_EQ(printed(forest(), {.of = measure::leaked, .min_share = 20}),
             R"(Run 'T': leaked, by call path: 505 B in 8 blocks
   with callees   share  itself  blocks  function
          400 B  79.2 %    10 B       1  x:main
@@ -66,13 +66,13 @@ TEST(Tree, TheShareCutsAndTheRestIsCounted) {
   ... and 3 calls that hold less than 20 % each: 175 B in 3 blocks
 )");
   const auto json =
-      read_json(printed(sample(), {.of = measure::leaked, .min_share = 20}, output_format::json));
+      read_json(printed(forest(), {.of = measure::leaked, .min_share = 20}, output_format::json));
   EXPECT_EQ(json["left_out"]["bytes"].number(), 175);
-  EXPECT_NE(printed(sample(), {.of = measure::live}).find("0 B in 0 blocks"), std::string::npos);
+  EXPECT_NE(printed(forest(), {.of = measure::live}).find("0 B in 0 blocks"), std::string::npos);
 }
 
 TEST(Tree, TracesOfARunShareOneTreeAndFiltersApply) {
-  auto run = sample();
+  auto run = forest();
   run.traces.push_back(made_profile("T", 2).leak({.path = {"x:main", "x:a"}}, 1, 7).trace);
   const auto json =
       read_json(printed(run, {.of = measure::leaked, .min_share = 0, .filter = {.focus = "x:a"}},
