@@ -13,6 +13,7 @@ struct command {
 };
 
 // One file each; they add the command to the program.
+command add_export(CLI::App& program);
 command add_import(CLI::App& program);
 command add_report(CLI::App& program);
 command add_tree(CLI::App& program);
