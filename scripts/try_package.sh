@@ -21,4 +21,5 @@ kivdb --version
 for page in kiv kivdb; do
   gzip -dc "$root/usr/share/man/man1/$page.1.gz" | head -1
 done
-scripts/readme_example.sh "$root/usr/share/kiv/samples" README.md docs/tables-by-hand.md
+scripts/readme_example.sh "$root/usr/share/kiv/samples" README.md docs/tables-by-hand.md \
+  docs/exports.md

@@ -45,10 +45,16 @@ void command_options::required_option(const std::string& names, std::string& val
 }
 
 void command_options::repeatable_option(const std::string& names, std::vector<std::string>& values,
-                                        const std::string& help) {
-  app_->add_option(names, values, help)
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+                                        const std::string& help, const check& is_good) {
+  auto* const added = app_->add_option(names, values, help);
+  added->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  check_with(*added, is_good);
+}
+
+void command_options::required_choice(const std::string& names, std::string& value,
+                                      const std::vector<std::string>& words,
+                                      const std::string& help) {
+  app_->add_option(names, value, help)->required()->check(CLI::IsMember(words));
 }
 
 void command_options::choice(const std::string& names, std::string& value,

@@ -37,8 +37,10 @@ class command_options {
               const check& is_good = {});
   void required_option(const std::string& names, std::string& value, const std::string& help);
   void repeatable_option(const std::string& names, std::vector<std::string>& values,
-                         const std::string& help);
-  // One of some words, `value` unless told.
+                         const std::string& help, const check& is_good = {});
+  // One of some words that must be given, or is `value` unless told.
+  void required_choice(const std::string& names, std::string& value,
+                       const std::vector<std::string>& words, const std::string& help);
   void choice(const std::string& names, std::string& value, const std::vector<std::string>& words,
               const std::string& help);
   // At least 1.

@@ -5,6 +5,7 @@
 namespace kiv::db {
 
 // One file each; they add the command to the program.
+void add_export(program_options& program);
 void add_import(program_options& program);
 void add_report(program_options& program);
 void add_tree(program_options& program);

@@ -10,6 +10,7 @@
 #include "kivdb/load_tables.h"
 #include "kivdb/messages.h"
 #include "kivdb/shared_options.h"
+#include "kivdb/warn_of_losses.h"
 #include "report/human.h"
 #include "report/printable.h"
 #include "report/run_report.h"
@@ -28,17 +29,6 @@ struct import_arguments {
   std::string sd, sf;  // separators of the tables; empty: read off the files
   output_options output;
 };
-
-// What is missing in a run, for the error stream.
-void warn_of_losses(const run_profile& run) {
-  for (const auto& trace : run.traces) {
-    for (const auto& lost : trace.losses) {
-      complain(fmt::format("run {}, process {}: not complete: {} x {}{}", quoted_name(run.name),
-                           trace.pid, report::grouped(lost.count), lost.what,
-                           lost.first.empty() ? "" : " (first: " + lost.first + ")"));
-    }
-  }
-}
 
 std::string_view how_complete(const run_profile& run) {
   if (report::is_complete(run)) return "complete";

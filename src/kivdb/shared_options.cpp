@@ -120,4 +120,17 @@ std::vector<report::measure> lists_option::of() const {
   return measures;
 }
 
+void measures_option::add_to(command_options& command, const std::string& what_for) {
+  command.repeatable_option("--of", of_, what_for + ": " + listed(report::measure_names),
+                            each_of(words(report::measure_names)));
+}
+
+std::vector<report::measure> measures_option::of() const {
+  std::vector<report::measure> measures;
+  for (const auto& names : of_) {
+    for (const auto& name : split(names)) add_once(measures, *report::find_measure(name));
+  }
+  return measures;
+}
+
 }  // namespace kiv::db

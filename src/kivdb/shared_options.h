@@ -60,4 +60,14 @@ class lists_option {
   std::string by_, of_;
 };
 
+// --of with several values, separated by commas or each with an --of of its own.
+class measures_option {
+ public:
+  void add_to(command_options& command, const std::string& what_for);
+  std::vector<report::measure> of() const;  // each once; empty when not given
+
+ private:
+  std::vector<std::string> of_;
+};
+
 }  // namespace kiv::db

@@ -1,5 +1,6 @@
 #include "profile/profiler.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "replay/kiv_process.h"
@@ -160,7 +161,10 @@ void profiler::query_ended(const KivQueryEvent& bracket) { close_query(bracket.q
 void profiler::close_query(std::uint64_t query) {
   query_open_ = false;
   absl::flat_hash_map<group_table::handle, group_table::handle> moved;
-  for (const group_table::handle group : groups_of_query_) {
+  // In one order, whatever that of the set: it decides which groups stay.
+  std::vector<group_table::handle> groups(groups_of_query_.begin(), groups_of_query_.end());
+  std::sort(groups.begin(), groups.end());
+  for (const group_table::handle group : groups) {
     moved.emplace(group, groups_.set_query(group, query));
   }
   // A block may have ended since, and its handle may be another's that was made in the bracket.

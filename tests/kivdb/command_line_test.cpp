@@ -81,8 +81,10 @@ TEST_F(Kivdb, ADatabaseAnswersAsItsTracesDo) {
   auto run = kivdb("import A B -o t.db");
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err, "");
-  for (const char* command : {"report %s --json", "report %s --csv --by function,path,query",
-                              "report %s", "tree %s --json", "tree %s --of live"}) {
+  for (const char* command :
+       {"report %s --json", "report %s --csv --by function,path,query", "report %s",
+        "tree %s --json", "tree %s --of live", "export %s --format collapsed --of allocated --ids",
+        "export %s --format speedscope", "export %s --format pprof"}) {
     std::string of_trace = command, of_database = command;
     of_trace.replace(of_trace.find("%s"), 2, "A");
     of_database.replace(of_database.find("%s"), 2, "t.db --run A");
@@ -157,6 +159,19 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
                                 "diff A B --fail-above leaked=",
                                 "diff A B --fail-above size=1",
                                 "diff A B --fail-above leaked=-1",
+                                "export A",
+                                "export A --format svg",
+                                "export A --format ''",
+                                "export A --format collapsed",
+                                "export A --format collapsed --of leaked,peak",
+                                "export A --format collapsed --of leaked --of peak",
+                                "export A --format collapsed --of size",
+                                "export A --format pprof --blocks",
+                                "export A --format pprof --ids",
+                                "export A --format pprof -o ''",
+                                "export A --format pprof --run ''",
+                                "export t.db --format pprof -o t.db",
+                                "export t.db --format pprof -o ./A/../t.db",
                                 "import A",
                                 "import A -o ''",
                                 "import A -o u.db --as ''",
@@ -188,6 +203,10 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
       {"report empty", "empty: no header file"},
       {"report A --run B", "no run 'B'"},
       {"report t.db --run B", "'B'"},
+      {"export A --format pprof -o nowhere/x", "nowhere/x: No such file"},
+      {"export A --format pprof -o B", "B: Is a directory"},
+      {"export A --format pprof -o /dev/full", "/dev/full: No space left"},
+      {"export A --format pprof --process nobody -o x", "no process 'nobody'"},
       {"report A --process nobody", "no process 'nobody'"},
       {"diff A B --process nobody", "'nobody'"},
       {"diff t.db A NOPE", "'NOPE'"},
@@ -210,7 +229,8 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
   }
   EXPECT_EQ(kivdb("report A --json", "/dev/full").status, 2);
   EXPECT_NE(read_file(dir_ / "err").find("could not be written"), std::string::npos);
-  for (const char* left : {"u.db", "nowhere.db", "text-wal"}) {
+  EXPECT_EQ(kivdb("export A --format pprof", "/dev/full").status, 2);
+  for (const char* left : {"x", "u.db", "nowhere.db", "text-wal"}) {
     EXPECT_FALSE(std::filesystem::exists(dir_ / left)) << left;
   }
 }
@@ -226,13 +246,82 @@ TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
   EXPECT_EQ(kivdb("diff A B --fail-above leaked=1G").status, 4);
 }
 
+TEST_F(Kivdb, AnExportIsWrittenWholeOrNotAtAll) {
+  write_runs();
+  const std::string command = "export A --format speedscope";
+  const auto printed = kivdb(command);
+  ASSERT_EQ(printed.status, 0) << printed.err;
+  EXPECT_EQ(kivdb(command + " -o -").out, printed.out);
+  std::ofstream(dir_ / "old") << "what stood there before";
+  std::filesystem::permissions(dir_ / "old", std::filesystem::perms(0600));
+  std::filesystem::create_symlink("old", dir_ / "link");
+  const auto files = [&] {
+    return std::distance(std::filesystem::directory_iterator(dir_.path()),
+                         std::filesystem::directory_iterator());
+  };
+  const auto before = files();
+  // A limit on the size of files stands for a full disk.
+  const auto full = std::system(("cd '" + dir_.path() +
+                                 "' && trap '' XFSZ && ulimit -f 0 && '" KIVDB_PROGRAM "' " +
+                                 command + " -o link >/dev/null 2>&1")
+                                    .c_str());
+  EXPECT_EQ(WEXITSTATUS(full), 2);
+  EXPECT_EQ(read_file(dir_ / "old"), "what stood there before");
+  const auto run = kivdb(command + " -o link");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out + run.err, "");
+  EXPECT_EQ(read_file(dir_ / "old"), printed.out);
+  EXPECT_TRUE(std::filesystem::is_symlink(dir_ / "link"));
+  EXPECT_EQ(std::filesystem::status(dir_ / "old").permissions(), std::filesystem::perms(0600));
+  EXPECT_EQ(files(), before) << "nothing is left beside";
+}
+
+TEST_F(Kivdb, AnExportOfAnIncompleteRunSaysSo) {
+  write_runs();
+  for (const std::string format : {"collapsed --of leaked", "speedscope", "pprof"}) {
+    auto run = kivdb("export C --format " + format);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("run 'C', process 41: not complete: "), std::string::npos) << run.err;
+    EXPECT_EQ(kivdb("export A --format " + format).err, "");
+  }
+}
+
+// The names of a trace are any bytes, and a run of which only tables are there has no call paths.
+TEST_F(Kivdb, ExportsAddUpAsTheReportDoes) {
+  trace t;
+  t.runid("hostile").proc(7, "ser;ver\n\"\xff").special(7, 0, "ma;in").reserve(3, "oic:o;r\x1b[m");
+  t.color(0, "small; \\").object(3).function(3, 1, "ta\nke 1").function(3, 2, "ta ke 1");
+  t.hashloc(5, "a:b.c:12").hashloc(6, "\xc2\x85:07").hashloc(7, ":").link(7, 3);
+  t.malloc_wf(3, 0, 0x1000, 1, 8).schedule(0, 7).malloc_wf(3, 0, 0x2000, 10, 16, 5);
+  t.flow_in(7, 0, 3, 1).query_in(1, 'S', "SELECT\n1;\xff").malloc_wf(3, 0, 0x3000, 100, 104, 6);
+  t.query_out(1).flow_out().flow_in(7, 0, 3, 2).malloc_wf(3, 0, 0x4000, 1'000, 1'008, 7);
+  t.malloc_nf(3, 0, 0x5000, 10'000, 10'008, 7).free(3, 0, 0x4000).free(3, 0, 0x1000).free_id(3);
+  write("hostile", t);
+  std::filesystem::copy(KIV_SOURCE_DIR "/samples/MIX", dir_ / "MIX");
+  ASSERT_EQ(run_kiv(dir_.path(), {"-R", "MIX"}).status, 0);
+  for (const auto& item : std::filesystem::directory_iterator(dir_ / "MIX")) {
+    if (item.path().extension() == ".kivhdr") std::filesystem::remove(item.path());
+  }
+  EXPECT_NE(kivdb("export MIX --format collapsed --of leaked").err.find("have no call paths"),
+            std::string::npos);
+  write_runs();
+  const int status =
+      std::system(("cd '" + dir_.path() +
+                   "' && TZ=UTC '" PYTHON_PROGRAM "' '" KIV_SOURCE_DIR
+                   "/tests/export/check_exports.py' '" KIVDB_PROGRAM "' hostile MIX A C >out 2>err")
+                      .c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 0) << read_file(dir_ / "out") << read_file(dir_ / "err");
+}
+
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
-  for (const std::string command :
-       {"import", "report", "tree", "diff", "trend", "runs", "forget", "show", "views", "sql"}) {
+  for (const std::string command : {"import", "report", "tree", "diff", "export", "trend", "runs",
+                                    "forget", "show", "views", "sql"}) {
     const auto run = kivdb(command + " --help");
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("Example: kivdb " + command), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("--json"), std::string::npos) << command;
+    const bool has_formats_of_its_own = command == "export";
+    EXPECT_NE(run.out.find(has_formats_of_its_own ? "--format" : "--json"), std::string::npos)
+        << command;
   }
   EXPECT_EQ(kivdb("--version").out.substr(0, 6), "kivdb ");
 }
