@@ -7,7 +7,6 @@
 #include <limits>
 
 #include "report/json_size.h"
-#include "report/json_writer.h"
 
 namespace kiv::report {
 namespace {
@@ -235,13 +234,14 @@ class group_folder {
   }
 
   void name_used(group_key key, const std::vector<bool>& used, page_groups& page) const {
+    static const shown_name others{std::string(others_name), others_name.size() + 2};
     auto& names = page.names[index(key)];
     auto& places = page.places[index(key)];
     places.resize(used.size());
     for (std::uint32_t i = 0; i < used.size(); ++i) {
       if (!used[i]) continue;
       places[i] = static_cast<std::uint32_t>(names.size());
-      names.push_back(i + 1 < used.size() ? shown_.of(key, i) : std::string(others_name));
+      names.push_back(i + 1 < used.size() ? shown_.of(key, i) : others);
     }
   }
 
@@ -293,7 +293,7 @@ class group_folder {
       size += json_size(parent) + json_size(function) + std::string_view("[,],").size();
     }
     for (const auto& names : page.names) {
-      for (const auto& name : names) size += json_text(name, json_form::in_page).size() + 1;
+      for (const auto& name : names) size += name.json_bytes + 1;
     }
     return size;
   }

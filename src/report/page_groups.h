@@ -37,7 +37,7 @@ struct kept_share {
 // measure the groups add up to all its blocks, and so they do for every name that is left and for
 // every call path that is left with all that is called from it.
 struct page_groups {
-  std::array<std::vector<std::string>, key_count> names;  // of paths: none
+  std::array<std::vector<shown_name>, key_count> names;  // of paths: none
   // Parent and function; number 0 is the empty path. Parents come before their children.
   std::vector<std::pair<std::uint32_t, std::uint32_t>> paths = {{0, 0}};
   std::vector<std::vector<page_group>> runs;

@@ -93,22 +93,21 @@ std::string of_histograms(const page_histograms& histograms) {
 
 }  // namespace
 
-std::vector<std::string> sentences_of(const page_data& page,
-                                      std::optional<std::size_t> longest_name,
-                                      std::optional<std::size_t> most_frames) {
+std::vector<std::string> sentences_of(const page_content& page, const filter_options& filter,
+                                      const name_limits& limits) {
   std::vector<std::string> sentences = {of_lists(page.lists),  of_paths(page.groups),
                                         of_names(page.groups), of_timelines(page.timelines),
                                         of_marks(page.marks),  of_histograms(page.histograms)};
-  if (longest_name && most_frames && page.shown->any_cut()) {
+  if (limits.longest && limits.most_frames && page.shown->any_cut()) {
     sentences.push_back(
-        fmt::format("Names longer than {} characters and call paths of more than {} functions in "
-                    "tables are cut in the middle.",
-                    *longest_name, *most_frames));
+        fmt::format("Names longer than {} characters and, in tables, call paths of more than {} "
+                    "functions are cut in the middle.",
+                    *limits.longest, *limits.most_frames));
   }
-  if (page.options.filter.is_on()) {
+  if (filter.is_on()) {
     sentences.push_back(
-        "Memory over time, markers, sizes and lifetimes are those of all blocks: filters (" +
-        page.options.filter.in_words() + ") hold for everything else.");
+        "Memory over time, markers, sizes and lifetimes are those of all blocks; the filter (" +
+        filter.in_words() + ") holds for everything else.");
   }
   std::erase(sentences, "");
   return sentences;
