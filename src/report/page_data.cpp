@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "report/human.h"
 #include "report/page_json.h"
@@ -37,15 +38,19 @@ bool find_runs(const std::vector<const run_profile*>& runs, const page_options& 
   return true;
 }
 
-// Bytes of JSON of all runs without their lists.
+// Bytes of JSON that the runs take without their lists, groups, timelines, marks and histograms.
+constexpr std::size_t around_trace =
+    std::string_view(R"({"timeline":,"marks":[],"histograms":[]},)").size();
 std::size_t heads_size(const page_data& page, shown_names& shown) {
   std::ostringstream out;
+  std::size_t others = 0;
   for (std::size_t run = 0; run < page.runs.size(); ++run) {
     json_writer json(out, json_form::in_page);
     write_json_run(json, *page.runs[run].run, page.options.filter, page.figures[run], {},
                    page_style(shown));
+    others += page.figures[run].size() * around_trace;
   }
-  return out.str().size();
+  return out.str().size() + others;
 }
 
 // The ids that timelines and histograms name.
@@ -84,8 +89,11 @@ double part(std::size_t have, std::size_t wanted) {
 
 detail detail_of(const page_content& content, std::size_t heads, std::size_t budget) {
   const page_lists& lists = content.lists;
-  const double put_together =
-      std::max(content.groups.name_threshold, content.groups.path_threshold);
+  double put_together = 0;
+  for (std::size_t key = 0; key < key_count; ++key) {
+    const auto& [kept, all] = content.groups.kept[key];
+    if (kept < all) put_together = std::max(put_together, content.groups.thresholds[key]);
+  }
   return {part(lists.rows, std::min(lists.longest, enough_rows)),
           part(lists.path_rows, std::min(lists.longest_of_paths, enough_path_rows)),
           put_together <= fine_share ? 1 : fine_share / put_together,
@@ -104,12 +112,8 @@ class page_maker {
     const std::size_t left = std::max(budget - std::min(budget, heads), budget / 4);
     made.lists = lists_.fitting(*made.shown, left * for_lists / 100);
     const std::size_t pictures = fit_pictures(made, left, left - std::min(left, made.lists.bytes));
-    if (made.lists.path_rows < made.lists.longest_of_paths ||
-        made.lists.rows < made.lists.longest) {
-      // What the pictures do not need.
-      const std::size_t room = left - std::min(left, pictures);
-      made.lists = lists_.fitting(*made.shown, std::max(room, made.lists.bytes));
-    }
+    // What the pictures do not need, or need more, is the lists' gain or loss.
+    made.lists = lists_.fitting(*made.shown, left - std::min(left, pictures));
     detailed = detail_of(made, heads, budget);
     return made;
   }

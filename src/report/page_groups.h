@@ -41,9 +41,10 @@ struct page_groups {
   // Parent and function; number 0 is the empty path. Parents come before their children.
   std::vector<std::pair<std::uint32_t, std::uint32_t>> paths = {{0, 0}};
   std::vector<std::vector<page_group>> runs;
-  // What holds a smaller share than this of all blocks and bytes, by every measure and in every
-  // run, is put together.
-  double name_threshold = 0, path_threshold = 0;
+  // For each key: what holds a smaller share than this of all blocks and bytes, by every measure
+  // and in every run, is put together; beyond 1 whatever there is. Of paths with all that they
+  // call.
+  std::array<double, key_count> thresholds = {};
   std::array<kept_share, key_count> kept = {};
   std::size_t bytes = 0;  // of JSON
 
