@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "report/json_size.h"
 
@@ -35,14 +36,19 @@ whole_lists::whole_lists(const std::vector<page_run>& runs, const name_book& nam
     : run_count_(runs.size()) {
   lists_.reserve(measure_count * key_count);
   for (std::size_t of = 0; of < measure_count; ++of) {
+    std::vector<list_choice> choices;
     for (std::size_t by = 0; by < key_count; ++by) {
-      compared_list& made = lists_.emplace_back();
-      for (const auto& run : runs) {
-        made.runs.push_back(
-            make_list(run.traces, names, static_cast<group_key>(by), static_cast<measure>(of), {}));
-      }
-      rank(made, names);
+      choices.push_back({static_cast<measure>(of), static_cast<group_key>(by)});
     }
+    const std::size_t first = lists_.size();
+    lists_.resize(first + key_count);
+    for (const auto& run : runs) {
+      auto lists = make_lists(run.traces, names, choices, {});
+      for (std::size_t by = 0; by < key_count; ++by) {
+        lists_[first + by].runs.push_back(std::move(lists[by]));
+      }
+    }
+    for (std::size_t by = 0; by < key_count; ++by) rank(lists_[first + by], names);
   }
 }
 
