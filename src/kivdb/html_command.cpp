@@ -67,12 +67,14 @@ bool holds_runs(const std::string& path, const std::vector<wanted_run>& shown) {
 }
 
 void print_written(const html_arguments& arguments, const report::page_data& page) {
-  const report::print_style style = arguments.output.style();
+  // A page that went down a pipe may stand where these words would.
   std::error_code unknown;
-  const std::uint64_t size = std::filesystem::file_size(arguments.file, unknown);
+  if (!std::filesystem::is_regular_file(arguments.file, unknown)) return;
+  const report::print_style style = arguments.output.style();
   if (style.format == report::output_format::terminal) {
-    std::cout << fmt::format("{}: {}\n", printable(arguments.file),
-                             unknown ? "written" : report::human_bytes(size));
+    std::cout << fmt::format(
+        "{}: {}\n", printable(arguments.file),
+        report::human_bytes(std::uint64_t{std::filesystem::file_size(arguments.file, unknown)}));
     for (const auto& sentence : page.left_out) std::cout << "  " << sentence << '\n';
     return;
   }
