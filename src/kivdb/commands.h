@@ -10,6 +10,7 @@ void add_import(program_options& program);
 void add_report(program_options& program);
 void add_tree(program_options& program);
 void add_diff(program_options& program);
+void add_html(program_options& program);
 void add_trend(program_options& program);
 void add_runs(program_options& program);
 void add_forget(program_options& program);

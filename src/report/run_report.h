@@ -21,6 +21,8 @@ struct trace_figures {
   std::size_t ids = 0;
 };
 
+trace_figures figures_of(const named_trace& trace);
+
 struct report_options {
   std::vector<list_choice> lists = {};
   std::optional<std::size_t> top = {};  // rows of a list; none: all
