@@ -112,9 +112,9 @@ function make_distributions(report, ranks, choice) {
     const edge = {left: 64, right: 8, top: 10, bottom: 30};
     const svg = place.append("svg").attr("width", width).attr("height", height).attr("viewBox", `0 0 ${width} ${height}`).attr("aria-hidden", "true");
     const all = series();
-    const format = choice.unit === "bytes" ? human_bytes : grouped;
+    const format = choice.unit === "bytes" ? short_bytes : grouped;
     const values = (/** @type {SumBar} */ bar) => all.map((one) => one.of(bar)[choice.unit]);
-    const highest = d3.max(bars, (/** @type {SumBar} */ bar) => (compared ? d3.max(values(bar)) : d3.sum(values(bar)))) || 1;
+    const highest = 1.06 * d3.max(bars, (/** @type {SumBar} */ bar) => (compared ? d3.max(values(bar)) : d3.sum(values(bar)))) || 1;
     const x = d3.scaleBand().domain(bars.map((bar) => bar.exponent)).range([edge.left, width - edge.right]).paddingInner(0.15);
     const y = d3.scaleLinear().domain([0, highest]).range([height - edge.bottom, edge.top]);
     const heights = choice.unit === "bytes" ? byte_ticks(highest, 4) : y.ticks(4).filter(Number.isInteger);

@@ -41,6 +41,16 @@ function select_box(parent, settings) {
 }
 
 /** @param {D3Selection} parent
+ * @param {{label: string, id: string, change: (checked: boolean) => void}} settings */
+function check_box(parent, settings) {
+  const label = parent.append("label").attr("class", "check");
+  const input = label.append("input").attr("type", "checkbox").attr("id", settings.id);
+  label.append("span").text(settings.label);
+  input.on("change", () => settings.change(input.property("checked")));
+  return input;
+}
+
+/** @param {D3Selection} parent
  * @param {{label: string, id: string, type: string, change: (value: string) => void}} settings */
 function text_field(parent, settings) {
   const label = parent.append("label").attr("class", "field grows");

@@ -75,8 +75,8 @@ function make_flame_graph(report, groups, choice, changed) {
         rebuild();
       },
     });
-    if (page.names.process.length > 1) {
-      const used = Array.from(new Set(groups.map((group) => group.process))).sort((a, b) => a - b);
+    const used = Array.from(new Set(groups.map((group) => group.process))).sort((a, b) => a - b);
+    if (used.length > 1) {
       select_box(controls, {
         label: "Process", id: "flame-process", value: "-1",
         options: [{value: "-1", text: "All processes"}].concat(used.map((at) => ({value: String(at), text: shown_name(page.names.process[at])}))),

@@ -19,27 +19,45 @@ function draw_head(report) {
 /** Says aloud what is missing; a run that is complete says so quietly.
  * @param {D3Selection} head @param {Report} report */
 function draw_completeness(head, report) {
+  const is_complete = (/** @type {Run} */ run) => run.traces.length > 0 && run.traces.every((trace) => trace.complete);
+  if (report.runs.every(is_complete)) {
+    const words = report.runs.length === 1 ? "This run is complete: nothing of it was lost." : "Both runs are complete: nothing of them was lost.";
+    head.append("p").attr("class", "complete").text(words);
+    return;
+  }
   report.runs.forEach((run, at) => {
     const side = side_name(report, at);
     const of_run = side === "" ? "This run" : "The run " + side;
-    if (run.traces.length > 0 && run.traces.every((trace) => trace.complete)) {
-      head.append("p").attr("class", "complete").text(of_run + " is complete: nothing of it was lost.");
+    if (is_complete(run)) {
+      head.append("p").attr("class", "complete").text(of_run + " is complete.");
       return;
     }
     const alarm = head.append("div").attr("class", "alarm").attr("role", "alert");
     alarm.append("p").append("strong").text(of_run + " is not known to be complete: its figures may be wrong.");
-    const list = alarm.append("ul");
-    if (run.traces.length === 0) list.append("li").text("It has no trace.");
-    for (const trace of run.traces) {
-      const name = run.traces.length > 1 ? trace_name(trace) + ": " : "";
-      if (trace.from_rows) {
-        list.append("li").text(name + "computed from CSV tables: no call paths, and losses are not known");
-      }
-      for (const loss of trace.losses) {
-        const first = loss.first ? ", first at " + loss.first : "";
-        list.append("li").text(name + loss.what + ": " + grouped(loss.count) + first);
-      }
-    }
+    const losses = losses_in_words(run);
+    draw_list(alarm, losses.slice(0, 12));
+    if (losses.length <= 12) return;
+    const more = alarm.append("details");
+    more.append("summary").text("and " + grouped(losses.length - 12) + " more");
+    draw_list(more, losses.slice(12));
+  });
+}
+
+/** @param {D3Selection} place @param {string[]} lines */
+function draw_list(place, lines) {
+  const list = place.append("ul");
+  for (const line of lines) name_in(list.append("li"), line);
+}
+
+/** @param {Run} run @returns {string[]} */
+function losses_in_words(run) {
+  if (run.traces.length === 0) return ["It has no trace."];
+  return run.traces.flatMap((trace) => {
+    const name = run.traces.length > 1 ? trace_name(trace) + ": " : "";
+    const lines = trace.losses.map((loss) => loss.what + ": " + grouped(loss.count) + (loss.first ? ", first " + loss.first : ""));
+    if (trace.from_rows) lines.unshift("computed from CSV tables: no call paths, and losses are not known");
+    if (lines.length === 0 && !trace.complete) lines.push("not complete");
+    return lines.map((line) => name + line);
   });
 }
 

@@ -34,7 +34,6 @@ function make_tables(report, choice, show_paths) {
   const place = section.append("div").attr("id", "table-place");
 
   function start_over() {
-    view.sorted = -1;
     view.shown = first_rows;
     draw();
   }

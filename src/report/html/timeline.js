@@ -1,9 +1,10 @@
 // The picture of live memory over a trace: layers by allocation id, the heap, the peak, the markers.
 
 /** What is shown of the timelines.
- * @typedef {{axis: Axis, shown: number, range: [number, number] | null, run: number, cursor: number,
- *   anchor: number | null}} TimelineView `shown` is a trace's place, -1 for all together; `cursor`
- *   and `anchor` are steps of the run's series, the cursor -1 when nothing is pointed at */
+ * @typedef {{axis: Axis, shown: number, heap: boolean, range: [number, number] | null, run: number,
+ *   cursor: number, anchor: number | null}} TimelineView `shown` is a trace's place, -1 for all
+ *   together; `cursor` and `anchor` are steps of the run's series, the cursor -1 when nothing is
+ *   pointed at */
 
 const timeline_size = {height: 300, left: 78, right: 16, top: 40, bottom: 34};
 
@@ -20,15 +21,22 @@ function draw_timeline(report, ranks) {
   }
 
   /** @type {TimelineView} */
-  const view = {axis: "records", shown: most_traces > 1 && timed ? -1 : 0, range: null, run: 0, cursor: -1, anchor: null};
-  /** @type {Axis} */
+  const view = {axis: "records", shown: most_traces > 1 && timed ? -1 : 0, heap: true, range: null, run: 0, cursor: -1, anchor: null};
   const clock = compared ? "since" : "time";
-  if (view.shown < 0) view.axis = clock;
 
   section.append("p").attr("class", "lead")
     .text("What was made and not ended, in bytes, by allocation id. Point at a step for its figures; select a range to zoom in, double-click to zoom out.");
   const controls = section.append("div").attr("class", "controls");
-  const axis_place = controls.append("div");
+  if (timed) {
+    radio_group(controls, {
+      legend: "Over", name: "timeline-axis", value: view.axis,
+      options: [{value: "records", text: "Memory records"}, {value: clock, text: compared ? "Time since the start" : "Time"}],
+      change: (value) => {
+        view.axis = value;
+        start_over();
+      },
+    });
+  }
   if (most_traces > 1) {
     const names = d3.range(most_traces).map((/** @type {number} */ at) => ({
       value: String(at),
@@ -39,11 +47,17 @@ function draw_timeline(report, ranks) {
       options: (timed ? [{value: "-1", text: "All traces together"}] : []).concat(names),
       change: (value) => {
         view.shown = Number(value);
-        view.axis = view.shown < 0 ? clock : view.axis;
         start_over();
       },
     });
   }
+  check_box(controls, {
+    label: "Heap", id: "timeline-heap",
+    change: (checked) => {
+      view.heap = checked;
+      draw();
+    },
+  });
   const back = button(controls, "Zoom out", () => zoom(null)).attr("id", "timeline-back").property("disabled", true);
 
   const pictures = section.append("div").attr("class", "pictures");
@@ -56,16 +70,6 @@ function draw_timeline(report, ranks) {
   let series = [];
 
   function start_over() {
-    axis_place.text("");
-    radio_group(axis_place, {
-      legend: "Over", name: "timeline-axis", value: view.axis,
-      options: (view.shown < 0 ? [] : [{value: "records", text: "Memory records"}])
-        .concat(timed ? [{value: clock, text: compared ? "Time since the start" : "Time"}] : []),
-      change: (value) => {
-        view.axis = value;
-        start_over();
-      },
-    });
     series = report.runs.map((run, at) => {
       if (view.shown < 0) return summed_series(run, drawn[at], view.axis);
       return run.traces[view.shown]
@@ -75,7 +79,16 @@ function draw_timeline(report, ranks) {
     view.range = null;
     view.cursor = -1;
     view.anchor = null;
+    // A heap far above what is live would press the layers flat: it is asked for.
+    view.heap = highest_of_all(true) <= 2 * highest_of_all(false);
+    d3.select("#timeline-heap").property("checked", view.heap);
     draw();
+  }
+
+  /** @param {boolean} heap whether the heap counts @returns {number} */
+  function highest_of_all(heap) {
+    const range = view.range || whole();
+    return d3.max(series, (/** @type {Series} */ one) => highest_in(one, range, heap)) || 0;
   }
 
   /** @returns {[number, number]} */
@@ -96,7 +109,7 @@ function draw_timeline(report, ranks) {
   function draw() {
     pictures.text("");
     const range = view.range || whole();
-    const highest = d3.max(series, (/** @type {Series} */ one) => highest_in(one, range)) || 1;
+    const highest = 1.06 * highest_of_all(view.heap) || 1;
     series.forEach((one, at) => {
       const place = pictures.append("div").attr("class", "picture");
       const side = side_name(report, at);
@@ -156,7 +169,6 @@ function draw_timeline(report, ranks) {
     const pointer = inner.append("line").attr("class", "pointer").attr("y1", top).attr("y2", height - bottom).attr("visibility", "hidden");
     const picked = inner.append("rect").attr("class", "picked").attr("y", top).attr("height", height - bottom - top).attr("visibility", "hidden");
     const readout = place.append("div").attr("class", "readout");
-    draw_readout(readout, one, resting_step(one), "");
 
     /** @param {number} step -1 to point at nothing */
     const point = (step) => {
@@ -230,7 +242,7 @@ function draw_timeline(report, ranks) {
     place.text("");
     const here = one.steps[step];
     const line = place.append("p").attr("class", "where");
-    line.append("span").text((why === "" ? "At " : why + ", at ") + where(here) + ": ");
+    line.append("span").text((why === "" ? "At " : why + " ") + where(here) + ": ");
     line.append("strong").attr("title", exact_bytes(here.last)).text(human_bytes(here.last) + " live");
     const more = (here.highest !== null && here.highest > here.last ? ", " + human_bytes(here.highest) + " highest within the step" : "") +
       ", heap grown by " + human_bytes(here.heap);
@@ -261,25 +273,26 @@ function draw_timeline(report, ranks) {
     return id >= 0 ? report.page.names.id[id] : one.ids.length > 1 ? "all others" : "all";
   }
 
-  /** The step whose figures stand there when nothing is pointed at: that of the peak.
+  /** The step whose figures stand there when nothing is pointed at: the one with the highest level.
    * @param {Series} one @returns {number} */
   function resting_step(one) {
     const range = view.range || whole();
     const from = step_at(one, range[0]);
     const to = step_at(one, range[1]);
     let best = from;
-    for (let at = from; at <= to; ++at) if (one.steps[at].last > one.steps[best].last) best = at;
+    const level = (/** @type {Step} */ step) => step.highest ?? step.last;
+    for (let at = from; at <= to; ++at) if (level(one.steps[at]) > level(one.steps[best])) best = at;
     return best;
   }
 
   /** @returns {string} */
   function resting_words() {
-    return view.range ? "Highest here" : "Highest";
+    return view.range ? "Highest here, the step up to" : "Highest, the step up to";
   }
 
   /** @param {Step} step @returns {string} */
   function where(step) {
-    return (step.record === null ? "" : "record " + grouped(step.record) + ", ") + step.time;
+    return "record " + grouped(step.record) + ", " + step.time;
   }
 
   /** @param {Series} one @param {number} step @returns {string} */
@@ -293,7 +306,7 @@ function draw_timeline(report, ranks) {
     const {height, left, right, bottom} = timeline_size;
     const heights = byte_ticks(y.domain()[1], 5);
     svg.append("g").attr("class", "grid").attr("transform", `translate(${left},0)`)
-      .call(d3.axisLeft(y).tickValues(heights).tickSize(-(width - left - right)).tickFormat(human_bytes));
+      .call(d3.axisLeft(y).tickValues(heights).tickSize(-(width - left - right)).tickFormat(short_bytes));
     svg.append("g").attr("class", "axis").attr("transform", `translate(0,${height - bottom})`)
       .call(d3.axisBottom(x).ticks(Math.max(2, Math.floor(width / 150))).tickFormat(axis_format(view.axis, x.domain())));
   }
@@ -322,7 +335,7 @@ function draw_timeline(report, ranks) {
         .x((/** @type {Step} */ step) => x(step.at)).y((/** @type {Step} */ step) => y(step.highest));
       inner.append("path").attr("class", "highest").attr("d", highest(one.steps));
     }
-    inner.append("path").attr("class", "heap").attr("d", line((step) => step.heap));
+    if (view.heap) inner.append("path").attr("class", "heap").attr("d", line((step) => step.heap));
   }
 
   /** @param {D3Selection} inner @param {Series} one @param {any} x @param {any} y */
@@ -362,7 +375,7 @@ function draw_timeline(report, ranks) {
       const steps = one.steps.filter((step) => step.at >= range[0] && step.at <= range[1]);
       /** @type {Column[]} */
       const columns = [];
-      if (view.shown >= 0) columns.push({title: "Record", number: true, text: (step) => grouped(step.record)});
+      columns.push({title: "Record", number: true, text: (step) => grouped(step.record)});
       columns.push({title: "Time", number: true, text: (step) => step.time});
       columns.push({title: "Live", number: true, text: (step) => grouped(step.last)});
       if (view.shown >= 0) columns.push({title: "Highest", number: true, text: (step) => grouped(step.highest)});
@@ -401,16 +414,17 @@ function step_at(one, place) {
   return Math.max(0, after - 1);
 }
 
-/** The highest figure of a series within a range; the heap counts too.
- * @param {Series} one @param {[number, number]} range @returns {number} */
-function highest_in(one, range) {
+/** The highest figure of a series within a range.
+ * @param {Series} one @param {[number, number]} range @param {boolean} heap whether the heap counts
+ * @returns {number} */
+function highest_in(one, range, heap) {
   if (one.steps.length === 0) return 0;
   let highest = 0;
   for (let at = step_at(one, range[0]); at < one.steps.length && one.steps[at].at <= range[1]; ++at) {
     const step = one.steps[at];
-    highest = Math.max(highest, step.last, step.highest || 0, step.heap);
+    highest = Math.max(highest, step.last, step.highest || 0, heap ? step.heap : 0);
   }
-  return highest * 1.06;
+  return highest;
 }
 
 /** @param {Axis} axis */
@@ -424,6 +438,12 @@ function axis_format(axis, domain) {
   const length = Number(domain[1]) - Number(domain[0]);
   if (axis === "since") return (value) => (length < 60000 ? one_decimal(value / 1000) + " s" : human_duration(value).replace(/\.\d+s$/, "s"));
   return d3.utcFormat(length < 10000 ? "%H:%M:%S.%L" : length < 86400000 ? "%H:%M:%S" : "%m-%d %H:%M");
+}
+
+/** "400 KiB", for an axis.
+ * @param {number} bytes @returns {string} */
+function short_bytes(bytes) {
+  return human_bytes(bytes).replace(".0 ", " ");
 }
 
 /** Round numbers of bytes, about so many.

@@ -1,7 +1,7 @@
 // The steps of timelines, one trace's or a run's, in the form that is drawn.
 
 /** Live memory at the end of a step; `at` is its place on the axis.
- * @typedef {{at: number, record: number | null, time: string, last: number, highest: number | null,
+ * @typedef {{at: number, record: number, time: string, last: number, highest: number | null,
  *   heap: number, levels: number[]}} Step */
 
 /** @typedef {{at: number, text: string, time: string, record: number | null, live_bytes: number,
@@ -56,15 +56,13 @@ function trace_series(trace, drawn, axis) {
 
 const summed_steps = 1000;
 
-/** All traces of a run on one axis of time. What a trace holds counts from its first step to the end of
- * its program.
- * @param {Run} run @param {PageRun} drawn @param {Axis} axis "time" or "since" @returns {Series} */
+/** All traces of a run together, by the time of their steps. What a trace holds counts from its first step
+ * to the end of its program; "records" counts the memory records of all of them.
+ * @param {Run} run @param {PageRun} drawn @param {Axis} axis @returns {Series} */
 function summed_series(run, drawn, axis) {
   const all = run.traces.map((trace, at) => trace_series(trace, drawn.traces[at], "time"));
   const start = d3.min(all, (/** @type {Series} */ series) => series.steps[0].at);
   const ends = run.traces.map((trace, at) => Math.max(all[at].end, milliseconds_of(trace.end) || 0));
-  const end = d3.max(ends);
-  const offset = axis === "since" ? start : 0;
 
   /** @type {Map<number, number>} */
   const highest = new Map();
@@ -84,10 +82,11 @@ function summed_series(run, drawn, axis) {
   const reached = all.map(() => 0);
   const steps = moments.map((moment) => {
     /** @type {Step} */
-    const step = {at: moment - offset, record: null, time: time_text(moment), last: 0, highest: null, heap: 0, levels: ids.map(() => 0).concat(0)};
+    const step = {at: 0, record: 0, time: time_text(moment), last: 0, highest: null, heap: 0, levels: ids.map(() => 0).concat(0)};
     all.forEach((series, at) => {
       while (reached[at] + 1 < series.steps.length && series.steps[reached[at] + 1].at <= moment) ++reached[at];
       const here = series.steps[reached[at]];
+      if (here.at <= moment) step.record += here.record;
       if (here.at > moment || moment > ends[at]) return;
       step.last += here.last;
       step.heap += here.heap;
@@ -96,11 +95,15 @@ function summed_series(run, drawn, axis) {
         step.levels[found < 0 ? ids.length : found] += here.levels[place];
       });
     });
+    step.at = axis === "records" ? step.record : axis === "since" ? moment - start : moment;
     return step;
   });
-  const ticks = all.flatMap((series) => series.ticks.map((tick) => ({...tick, at: tick.at - offset, record: null, trace: series.title})));
+  const ticks = all.flatMap((series) => series.ticks.map((tick) => {
+    const step = steps[Math.max(0, d3.bisectRight(moments, tick.at) - 1)];
+    return {...tick, at: axis === "records" ? step.at : axis === "since" ? tick.at - start : tick.at, record: null, trace: series.title};
+  }));
   ticks.sort((a, b) => a.at - b.at);
-  return {title: "All traces together", ids: ids.concat(-1), steps, ticks, peak: null, end: end - offset};
+  return {title: "All traces together", ids: ids.concat(-1), steps, ticks, peak: null, end: steps[steps.length - 1].at};
 }
 
 /** @param {number} moment milliseconds @returns {string} */
