@@ -5,7 +5,7 @@ set -eu
 
 sets='
 make         make
-build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev pkg-config
+build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config
 test         libgtest-dev python3
 bench        libbenchmark-dev valgrind
 format       clang-format-14 git

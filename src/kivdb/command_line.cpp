@@ -46,9 +46,9 @@ int kivdb_main(int argc, char** argv) {
       "4 a limit was given for a run that is not complete.\n"
       "`kivdb COMMAND --help` has an example for each command.");
   const std::vector<command> commands = {
-      add_report(program), add_tree(program), add_diff(program),   add_import(program),
-      add_trend(program),  add_runs(program), add_forget(program), add_show(program),
-      add_views(program),  add_sql(program)};
+      add_report(program), add_tree(program),  add_diff(program), add_html(program),
+      add_import(program), add_trend(program), add_runs(program), add_forget(program),
+      add_show(program),   add_views(program), add_sql(program)};
 
   if (const char* before = empty_argument(argc, argv)) {
     return complain("an argument is empty, after " + std::string(before), status_usage);

@@ -17,6 +17,7 @@ command add_import(CLI::App& program);
 command add_report(CLI::App& program);
 command add_tree(CLI::App& program);
 command add_diff(CLI::App& program);
+command add_html(CLI::App& program);
 command add_trend(CLI::App& program);
 command add_runs(CLI::App& program);
 command add_forget(CLI::App& program);

@@ -4,12 +4,31 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "report/printable.h"
 
 namespace kiv::report {
 
-std::string json_text(std::string_view text) {
+namespace {
+
+// What a page must not hold literally: a tag's or an entity's beginning, and line ends that scripts
+// know but JSON does not.
+std::string_view page_escape(std::string_view character) {
+  constexpr std::pair<std::string_view, std::string_view> escapes[] = {{"<", "\\u003c"},
+                                                                       {">", "\\u003e"},
+                                                                       {"&", "\\u0026"},
+                                                                       {"\u2028", "\\u2028"},
+                                                                       {"\u2029", "\\u2029"}};
+  for (const auto& [literal, escaped] : escapes) {
+    if (character == literal) return escaped;
+  }
+  return character;
+}
+
+}  // namespace
+
+std::string json_text(std::string_view text, json_form form) {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string json = "\"";
   json.reserve(text.size() + 2);
@@ -24,7 +43,8 @@ std::string json_text(std::string_view text) {
       json += "\\u00";
       json += {digits[first >> 4], digits[first & 15]};
     } else {
-      json += text.substr(0, length);
+      const std::string_view character = text.substr(0, length);
+      json += form == json_form::in_page ? page_escape(character) : character;
     }
     text.remove_prefix(std::max<std::size_t>(length, 1));
   }
@@ -32,6 +52,7 @@ std::string json_text(std::string_view text) {
 }
 
 void json_writer::break_line() {
+  if (form_ == json_form::in_page) return;
   out_ << '\n';
   for (std::size_t i = 0; i < levels_.size(); ++i) out_ << "  ";
 }
@@ -44,7 +65,7 @@ void json_writer::before_value(bool is_object) {
   }
   if (levels_.empty()) return;
   level& around = levels_.back();
-  if (!around.empty) out_ << (is_object ? "," : ", ");
+  if (!around.empty) out_ << (is_object || form_ == json_form::in_page ? "," : ", ");
   around.empty = false;
   if (is_object) {
     around.broken = true;
@@ -67,15 +88,16 @@ void json_writer::close(char bracket) {
 
 void json_writer::key(std::string_view name) {
   level& around = levels_.back();
-  if (!around.empty) out_ << ", ";
+  const bool in_page = form_ == json_form::in_page;
+  if (!around.empty) out_ << (in_page ? "," : ", ");
   around.empty = false;
-  out_ << json_text(name) << ": ";
+  out_ << json_text(name, form_) << (in_page ? ":" : ": ");
   after_key_ = true;
 }
 
 void json_writer::text(std::string_view value) {
   before_value(false);
-  out_ << json_text(value);
+  out_ << json_text(value, form_);
 }
 
 void json_writer::number(std::uint64_t value) {

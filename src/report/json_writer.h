@@ -8,15 +8,20 @@
 
 namespace kiv::report {
 
+// How a document is laid out: for people, with blanks and line breaks; or to stand in a page,
+// without any, and with nothing in it that ends a script or begins a tag.
+enum class json_form : std::uint8_t { readable, in_page };
+
 // A JSON string with its quotes, valid UTF-8 whatever the bytes of `text`: control bytes are
 // escaped, bytes that are not valid UTF-8 become U+FFFD.
-std::string json_text(std::string_view text);
+std::string json_text(std::string_view text, json_form form = json_form::readable);
 
 // Writes one JSON document, piece by piece, with commas and line breaks where they belong. Calls
 // must nest as the document does.
 class json_writer {
  public:
-  explicit json_writer(std::ostream& out) : out_(out) {}
+  explicit json_writer(std::ostream& out, json_form form = json_form::readable)
+      : out_(out), form_(form) {}
 
   void begin_object() { open('{'); }
   void end_object() { close('}'); }
@@ -44,6 +49,7 @@ class json_writer {
   void break_line();
 
   std::ostream& out_;
+  json_form form_;
   std::vector<level> levels_;
   bool after_key_ = false;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -35,6 +36,20 @@ void write_json_members(json_writer& json, const amount& what);
 void write_json(json_writer& json, const amount& what);
 // "frames" with the functions of a call path, or "name" with any other name.
 void write_json_name(json_writer& json, const name_book& names, group_key by, std::uint32_t name);
+// How a run is written in JSON.
+struct json_run_style {
+  // The member "name" or "frames" of a list's row.
+  std::function<void(json_writer&, group_key, std::uint32_t)> name;
+  // What stands for a text of the trace; empty: the text itself.
+  std::function<std::string(const std::string&)> text = {};
+  // Whether a list of which rows were left out has their sum as "others".
+  bool with_others = false;
+};
+
+// An object: the run's name, its traces with their figures, its lists.
+void write_json_run(json_writer& json, const run_profile& run, const filter_options& filter,
+                    const std::vector<trace_figures>& traces, const std::vector<group_list>& lists,
+                    const json_run_style& style);
 // A "filter" object with what is set; nothing when the filter is off.
 void write_json_filter(json_writer& json, const filter_options& filter);
 

@@ -3,12 +3,12 @@
 namespace kiv::report {
 namespace {
 
-void write_figures(json_writer& json, const trace_figures& figures) {
+void write_figures(json_writer& json, const trace_figures& figures, const json_run_style& style) {
   const profile& trace = *figures.trace;
   json.begin_object();
   const auto text = [&](std::string_view key, const std::string& value) {
     json.key(key);
-    json.text(value);
+    json.text(style.text ? style.text(value) : value);
   };
   const auto number = [&](std::string_view key, auto value) {
     json.key(key);
@@ -72,12 +72,12 @@ void write_figures(json_writer& json, const trace_figures& figures) {
   json.boolean(trace.from_rows);
   json.key("notes");
   json.begin_array();
-  for (const auto& note : trace.notes) json.text(note);
+  for (const auto& note : trace.notes) json.text(style.text ? style.text(note) : note);
   json.end_array();
   json.end_object();
 }
 
-void write_list(json_writer& json, const run_report& report, const group_list& list) {
+void write_list(json_writer& json, const group_list& list, const json_run_style& style) {
   json.begin_object();
   json.key("by");
   json.text(name_of(list.by));
@@ -89,11 +89,19 @@ void write_list(json_writer& json, const run_report& report, const group_list& l
   json.begin_array();
   for (const auto& row : list.rows) {
     json.begin_object();
-    write_json_name(json, report.names, list.by, row.name);
+    style.name(json, list.by, row.name);
     write_json_members(json, row.sum.sum());
     json.end_object();
   }
   json.end_array();
+  if (style.with_others && list.left_out > 0) {
+    json.key("others");
+    json.begin_object();
+    json.key("names");
+    json.number(std::uint64_t{list.left_out});
+    write_json_members(json, list.left_out_sum.sum());
+    json.end_object();
+  }
   json.end_object();
 }
 
@@ -141,25 +149,34 @@ void write_json_filter(json_writer& json, const filter_options& filter) {
   json.end_object();
 }
 
+void write_json_run(json_writer& json, const run_profile& run, const filter_options& filter,
+                    const std::vector<trace_figures>& traces, const std::vector<group_list>& lists,
+                    const json_run_style& style) {
+  json.begin_object();
+  json.key("run");
+  json.text(style.text ? style.text(run.name) : run.name);
+  write_json_filter(json, filter);
+  json.key("traces");
+  json.begin_array();
+  for (const auto& figures : traces) write_figures(json, figures, style);
+  json.end_array();
+  json.key("lists");
+  json.begin_array();
+  for (const auto& list : lists) write_list(json, list, style);
+  json.end_array();
+  json.end_object();
+}
+
 void print_reports_as_json(std::ostream& out, const std::vector<run_report>& reports) {
   json_writer json(out);
   json.begin_object();
   json.key("runs");
   json.begin_array();
   for (const auto& report : reports) {
-    json.begin_object();
-    json.key("run");
-    json.text(report.run->name);
-    write_json_filter(json, report.filter);
-    json.key("traces");
-    json.begin_array();
-    for (const auto& figures : report.traces) write_figures(json, figures);
-    json.end_array();
-    json.key("lists");
-    json.begin_array();
-    for (const auto& list : report.lists) write_list(json, report, list);
-    json.end_array();
-    json.end_object();
+    const json_run_style style = {.name = [&](json_writer& into, group_key by, std::uint32_t name) {
+      write_json_name(into, report.names, by, name);
+    }};
+    write_json_run(json, *report.run, report.filter, report.traces, report.lists, style);
   }
   json.end_array();
   json.end_object();

@@ -7,6 +7,24 @@
 namespace kiv::report {
 namespace {
 
+std::vector<std::vector<std::uint32_t>> process_ids_of(const std::vector<named_trace>& traces,
+                                                       const name_book& names) {
+  std::vector<std::vector<std::uint32_t>> all(names.size(group_key::process));
+  for (const auto& named : traces) {
+    const auto& numbers = named.numbers[static_cast<std::size_t>(group_key::process)];
+    for (std::size_t place = 0; place < named.trace->processes.size(); ++place) {
+      all[numbers[place]].push_back(named.trace->processes[place].pid);
+    }
+  }
+  for (auto& ids : all) {
+    std::ranges::sort(ids);
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  }
+  return all;
+}
+
+}  // namespace
+
 trace_figures figures_of(const named_trace& named) {
   trace_figures figures;
   figures.trace = named.trace;
@@ -29,24 +47,6 @@ trace_figures figures_of(const named_trace& named) {
   figures.ids = known(named.trace->ids.size());
   return figures;
 }
-
-std::vector<std::vector<std::uint32_t>> process_ids_of(const std::vector<named_trace>& traces,
-                                                       const name_book& names) {
-  std::vector<std::vector<std::uint32_t>> all(names.size(group_key::process));
-  for (const auto& named : traces) {
-    const auto& numbers = named.numbers[static_cast<std::size_t>(group_key::process)];
-    for (std::size_t place = 0; place < named.trace->processes.size(); ++place) {
-      all[numbers[place]].push_back(named.trace->processes[place].pid);
-    }
-  }
-  for (auto& ids : all) {
-    std::ranges::sort(ids);
-    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-  }
-  return all;
-}
-
-}  // namespace
 
 std::vector<list_choice> chosen_lists(std::vector<group_key> by, std::vector<measure> of,
                                       bool for_people) {

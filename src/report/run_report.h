@@ -21,6 +21,8 @@ struct trace_figures {
   std::size_t ids = 0;
 };
 
+trace_figures figures_of(const named_trace& trace);
+
 struct list_choice {
   measure of;
   group_key by;

@@ -1,0 +1,18 @@
+# Makes files constants of a target: kiv::NAME() gives their bytes with their names, in the order of
+# FILES. The target declares that function itself (util/embedded_text.h).
+function(embed_files target name)
+  set(generated ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+  set(script ${PROJECT_SOURCE_DIR}/cmake/write_embedded_files.cmake)
+  add_custom_command(
+    OUTPUT ${generated}
+    COMMAND ${CMAKE_COMMAND} "-DFILES=${ARGN}" -DNAME=${name} -DOUTPUT=${generated} -P ${script}
+    DEPENDS ${ARGN} ${script}
+    VERBATIM)
+  target_sources(${target} PRIVATE ${generated})
+endfunction()
+
+# The same for the SQL files of a directory, in alphabetical order.
+function(embed_sql target directory name)
+  file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.sql)
+  embed_files(${target} ${name} ${files})
+endfunction()

@@ -1,0 +1,120 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "kivdb/commands.h"
+#include "kivdb/load_source.h"
+#include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
+#include "report/html_page.h"
+#include "report/human.h"
+#include "report/printable.h"
+#include "util/whole_file.h"
+
+namespace kiv::db {
+namespace {
+
+struct html_arguments {
+  std::vector<std::string> sources;  // one or two, or a source and two runs in it
+  std::vector<std::string> runs;
+  std::string file;
+  report::filter_options filter;
+  output_options output;
+};
+
+struct wanted_run {
+  std::string source;
+  std::optional<std::string> run;
+};
+
+// Which runs the arguments name; none when they do not fit together.
+std::vector<wanted_run> wanted_runs(const html_arguments& arguments) {
+  const auto& [sources, runs, file, filter, output] = arguments;
+  if (sources.size() == 3) {
+    if (!runs.empty()) return {};
+    return {{sources[0], sources[1]}, {sources[0], sources[2]}};
+  }
+  std::vector<wanted_run> wanted;
+  if (sources.size() == 2) {
+    if (!runs.empty() && runs.size() != 2) return {};
+    for (std::size_t i = 0; i < 2; ++i) {
+      wanted.push_back({sources[i], runs.empty() ? std::nullopt : std::optional(runs[i])});
+    }
+    return wanted;
+  }
+  if (runs.size() > 2) return {};
+  for (const auto& run : runs) wanted.push_back({sources[0], run});
+  if (runs.empty()) wanted.push_back({sources[0], std::nullopt});
+  return wanted;
+}
+
+void print_written(const html_arguments& arguments, const report::page_data& page) {
+  const report::print_style style = arguments.output.style();
+  std::error_code unknown;
+  const std::uint64_t size = std::filesystem::file_size(arguments.file, unknown);
+  if (style.format == report::output_format::terminal) {
+    std::cout << fmt::format("{}: {}\n", printable(arguments.file),
+                             unknown ? "written" : report::human_bytes(size));
+    for (const auto& sentence : page.left_out) std::cout << "  " << sentence << '\n';
+    return;
+  }
+  report::table_printer table(std::cout, {{"run", ""}, {"file", ""}, {"complete", ""}}, style);
+  for (const auto& run : page.runs) {
+    table.add(
+        {run.run->name, arguments.file, std::string(report::is_complete(*run.run) ? "yes" : "no")});
+  }
+  table.finish();
+}
+
+int run_html(const html_arguments& arguments) {
+  const auto wanted = wanted_runs(arguments);
+  if (wanted.empty()) {
+    return complain("--run names a run for each source, or the two runs of one source",
+                    status_usage);
+  }
+  std::string error;
+  std::vector<run_profile> runs(wanted.size());
+  std::vector<const run_profile*> shown;
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (!load_run(wanted[i].source, wanted[i].run, runs[i], error)) return complain(error);
+    shown.push_back(&runs[i]);
+  }
+  report::page_data page;
+  if (!report::make_page_data(shown, {.filter = arguments.filter, .version = KIVDB_VERSION}, page,
+                              error)) {
+    return complain(error);
+  }
+  const auto write = [&](std::ostream& out) { report::write_html_page(out, page); };
+  if (!write_whole_file(arguments.file, write, error)) {
+    return complain_about(arguments.file, error);
+  }
+  print_written(arguments, page);
+  return finish_output();
+}
+
+}  // namespace
+
+command add_html(CLI::App& program) {
+  auto arguments = std::make_shared<html_arguments>();
+  CLI::App* app = program.add_subcommand(
+      "html",
+      "Write one page for a browser: memory over time, call paths, tables, two runs compared");
+  app->add_option("source", arguments->sources,
+                  "One source, two to compare, or a database and two runs in it")
+      ->required()
+      ->expected(1, 3);
+  app->add_option("-o,--output", arguments->file, "The page; replaced when it is there")
+      ->required();
+  app->add_option("--run", arguments->runs,
+                  "The run to show; twice: the two runs to compare, of one source or of each")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  add_filter(*app, arguments->filter);
+  arguments->output.add_to(*app);
+  app->footer("Example: kivdb html R42/ -o r42.html");
+  return {app, [arguments] { return run_html(*arguments); }};
+}
+
+}  // namespace kiv::db
