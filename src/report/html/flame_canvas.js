@@ -58,7 +58,7 @@ function make_flame_canvas(parent, label, color_of) {
     if (name.length < 400 && text_width(name) <= room) return name;
     const part = split_function(name).part;
     if (part.length < 400 && text_width(part) <= room) return part;
-    const letters = Math.floor(room / 6.6);
+    const letters = Math.floor(room / text_width("m"));
     return letters < 3 ? "" : shortened(part, letters);
   }
 
