@@ -35,7 +35,7 @@ const std::string hostile_names[] = {
     "<!--<script>",
     "\"quoted\" 'names' & &lt;entities&gt;",
     "line\xe2\x80\xa8separator\xe2\x80\xa9 and \xe2\x80\xaeturned\xe2\x80\xac",
-    "no UTF-8 \xff\xfe\xc3",
+    "no-UTF-8\xff\xfe\xc3",
     "@DATA@ @TITLE@ @SCRIPT@ ${x} {{x}}",
     "__proto__",
     "javascript:alert(1)//" + std::string(1500, 'x') + "the end",
@@ -50,13 +50,17 @@ trace hostile() {
     const std::string& name = hostile_names[n];
     const u32 id = first_id + n;
     t.hashloc(first_line + n, name).reserve(id, "oic:" + name, 2).color(0, name).color(1, "b");
-    t.object(id).function(id, 1, name).link(process, id);
+    t.object(id).function(id, 1, name);
   }
+  u32 running = process;
   for (u32 n = 0; n < std::size(hostile_names); ++n) {
     const u32 id = first_id + n;
     t.time(start_of_all, (n + 1) * 100'000'000).marker(hostile_names[n]);
-    t.proc(process + 1 + n, hostile_names[n]).query_in(n + 1, 'p', "select " + hostile_names[n]);
-    t.flow_in(process, 0, id, 1).malloc_wf(id, 0, block, 100 + n, 112 + n, first_line + n);
+    const u32 next = process + 1 + n;
+    t.proc(next, hostile_names[n]).special(next, 0, hostile_names[n]).link(next, id);
+    t.schedule(running, next).query_in(n + 1, 'p', "select " + hostile_names[n]);
+    running = next;
+    t.flow_in(next, 0, id, 1).malloc_wf(id, 0, block, 100 + n, 112 + n, first_line + n);
     t.malloc_nf(id, 1, block + 4096, 50, 64, first_line + n).flow_out().query_out(n + 1, n + 1);
     block += 8192;
   }

@@ -115,7 +115,8 @@ function make_distributions(report, ranks, choice) {
     const format = choice.unit === "bytes" ? short_bytes : grouped;
     const values = (/** @type {SumBar} */ bar) => all.map((one) => one.of(bar)[choice.unit]);
     const highest = 1.06 * d3.max(bars, (/** @type {SumBar} */ bar) => (compared ? d3.max(values(bar)) : d3.sum(values(bar)))) || 1;
-    const x = d3.scaleBand().domain(bars.map((bar) => bar.exponent)).range([edge.left, width - edge.right]).paddingInner(0.15);
+    const end = Math.min(width - edge.right, edge.left + 72 * bars.length);
+    const x = d3.scaleBand().domain(bars.map((bar) => bar.exponent)).range([edge.left, end]).paddingInner(0.15);
     const y = d3.scaleLinear().domain([0, highest]).range([height - edge.bottom, edge.top]);
     const heights = choice.unit === "bytes" ? byte_ticks(highest, 4) : y.ticks(4).filter(Number.isInteger);
     svg.append("g").attr("class", "grid").attr("transform", `translate(${edge.left},0)`)

@@ -73,7 +73,7 @@ function button(parent, text, action) {
 /** A name from a trace: its direction of writing stays its own, and it may break anywhere.
  * @param {D3Selection} parent @param {string} name */
 function name_in(parent, name) {
-  return parent.append("bdi").attr("class", "name").text(shown_name(name));
+  return parent.append("bdi").attr("class", "name").attr("title", name.length > 100 ? name : null).text(shown_name(name));
 }
 
 /** A long text cut in the middle, since its beginning and its end tell it apart.

@@ -323,10 +323,11 @@ function make_flame_graph(report, groups, choice, changed) {
     shown.forEach((each, at) => {
       if (line.length > 40 && at === 10) list.append("li").text("… " + grouped(line.length - 40) + " more …");
       const item = list.append("li");
-      button(item, "", () => {
+      const to = button(item, "", () => {
         zoom(each);
         select(each);
-      }).attr("class", "link").append("bdi").attr("class", "name").text(shown_name(each.data.name));
+      });
+      name_in(to.attr("class", "link"), each.data.name);
     });
   }
 

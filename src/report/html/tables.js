@@ -76,11 +76,11 @@ function make_tables(report, choice, show_paths) {
     const show = button(cell, "", () => show_paths({key: view.key, name: row.name, frames: row.frames}))
       .attr("class", "link").attr("title", "Show its paths in the flame graph");
     if (!row.frames) {
-      show.append("bdi").attr("class", "name").text(shown_name(row.name));
+      name_in(show, row.name);
       return;
     }
     const frames = row.frames.slice().reverse();
-    show.append("bdi").attr("class", "name").text(frames.length === 0 ? no_path_name : shown_name(frames[0]));
+    name_in(show, frames.length === 0 ? no_path_name : frames[0]);
     if (frames.length < 2) return;
     const callers = frames.length > 6 ? frames.slice(1, 5).concat("… " + grouped(frames.length - 6) + " more …", frames[frames.length - 1]) : frames.slice(1);
     const text = cell.append("span").attr("class", "callers").attr("title", path_text(row.frames));
