@@ -69,6 +69,18 @@ const keys = [
 const others_name = "(others)";
 const no_path_name = "(no call path)";
 
+/** @param {KeyName} name @returns {string} "source line", "SQL statement" */
+function key_words(name) {
+  const title = key_title(name);
+  return title.startsWith("SQL") ? title : title.toLowerCase();
+}
+
+/** @param {KeyName} name @returns {string} "Source line" */
+function key_title(name) {
+  const key = keys.find((each) => each.name === name);
+  return key ? key.title : name;
+}
+
 /** @param {MeasureName} name */
 function measure_place(name) {
   return measures.findIndex((measure) => measure.name === name);

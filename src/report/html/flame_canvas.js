@@ -93,7 +93,7 @@ function make_flame_canvas(parent, label, color_of) {
   function draw_frame(frame, left, top, wide, colors) {
     const found = matches !== null && matches.has(frame);
     const above = focus !== null && frame.depth < focus.depth;
-    context.globalAlpha = found ? 1 : matches !== null ? 0.35 : above ? 0.55 : 1;
+    context.globalAlpha = found ? 1 : matches !== null ? 0.45 : above ? 0.55 : 1;
     context.fillStyle = found ? colors.found : color_of(frame, colors);
     const gap = wide > 3 ? 1 : 0;
     context.fillRect(left, top + 1, wide - gap, frame_height - 1);

@@ -151,9 +151,8 @@ function make_flame_graph(report, groups, choice, changed) {
     const filter = choice.filter;
     if (!filter) return;
     const chip = filter_place.append("p").attr("class", "chip");
-    const key = keys.find((each) => each.name === filter.key);
-    chip.append("span").text("Only " + (key ? key.title.toLowerCase().replace("sql", "SQL") : "") + ": ");
-    name_in(chip, shortened(filter.frames ? path_text(filter.frames) : filter.name, 160));
+    const words = chip.append("span").text("Only the " + key_words(filter.key) + " ");
+    name_in(words, filter.frames ? short_path(filter.frames) : shortened(filter.name, 160));
     button(chip, "Show all again", () => {
       choice.filter = null;
       changed();
@@ -417,6 +416,13 @@ function measure_words(name) {
  * @param {string[]} frames outermost first @returns {string} */
 function path_text(frames) {
   return frames.length === 0 ? no_path_name : frames.slice().reverse().map(shown_name).join(" ← ");
+}
+
+/** The same of a long call path with its innermost functions and its outermost one.
+ * @param {string[]} frames outermost first @returns {string} */
+function short_path(frames) {
+  if (frames.length < 7) return path_text(frames);
+  return path_text(frames.slice(-4)) + " ← … " + grouped(frames.length - 5) + " more … ← " + shown_name(frames[0]);
 }
 
 /** Whether a group belongs to a row of a table.

@@ -55,7 +55,7 @@ function losses_in_words(run) {
   return run.traces.flatMap((trace) => {
     const name = run.traces.length > 1 ? trace_name(trace) + ": " : "";
     const lines = trace.losses.map((loss) => loss.what + ": " + grouped(loss.count) + (loss.first ? ", first " + loss.first : ""));
-    if (trace.from_rows) lines.unshift("computed from CSV tables: no call paths, and losses are not known");
+    if (trace.from_rows) lines.unshift("computed from CSV tables: what the trace lost is not known");
     if (lines.length === 0 && !trace.complete) lines.push("not complete");
     return lines.map((line) => name + line);
   });

@@ -157,7 +157,7 @@ function make_tables(report, choice, show_paths) {
     const key = keys.find((each) => each.name === view.key);
     const names = all + (compared ? 0 : both[0].others?.names || 0);
     let text = both.map((list) => human_bytes(list.total.bytes) + " in " + in_blocks(list.total.blocks)).join(" → ") + " " + measure_words(choice.measure);
-    text += ", " + counted(names, key ? key_title(view.key).toLowerCase().replace("sql", "SQL") : "", key ? key.many : "");
+    text += ", " + counted(names, key_words(view.key), key ? key.many : "");
     if (filtered) {
       const sums = both.map((_, run) => sum_of(rows, run));
       text += "; " + counted(rows.length, "name matches", "names match") + ": " + sums.map((sum) => human_bytes(sum.bytes) + " in " + in_blocks(sum.blocks)).join(" → ");
@@ -205,10 +205,4 @@ function make_tables(report, choice, show_paths) {
 
   start_over();
   return {start_over};
-}
-
-/** @param {KeyName} name @returns {string} */
-function key_title(name) {
-  const key = keys.find((each) => each.name === name);
-  return key ? key.title : name;
 }

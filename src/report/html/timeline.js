@@ -175,7 +175,7 @@ function draw_timeline(report, ranks) {
       const seen = step >= 0;
       pointer.attr("visibility", seen ? "visible" : "hidden");
       if (seen) pointer.attr("x1", x(one.steps[step].at)).attr("x2", x(one.steps[step].at));
-      draw_readout(readout, one, seen ? step : resting_step(one), seen ? "" : resting_words());
+      draw_readout(readout, one, seen ? step : resting_step(one), !seen);
       const from = view.anchor;
       picked.attr("visibility", seen && from !== null && view.run === at ? "visible" : "hidden");
       if (seen && from !== null) {
@@ -237,16 +237,21 @@ function draw_timeline(report, ranks) {
   }
 
   /** The legend, with the figures of a step.
-   * @param {D3Selection} place @param {Series} one @param {number} step @param {string} why */
-  function draw_readout(place, one, step, why) {
+   * @param {D3Selection} place @param {Series} one @param {number} step
+   * @param {boolean} resting nothing is pointed at: the step has the highest level */
+  function draw_readout(place, one, step, resting) {
     place.text("");
     const here = one.steps[step];
     const line = place.append("p").attr("class", "where");
-    line.append("span").text((why === "" ? "At " : why + " ") + where(here) + ": ");
-    line.append("strong").attr("title", exact_bytes(here.last)).text(human_bytes(here.last) + " live");
-    const more = (here.highest !== null && here.highest > here.last ? ", " + human_bytes(here.highest) + " highest within the step" : "") +
-      ", heap grown by " + human_bytes(here.heap);
-    line.append("span").text(more);
+    const higher = here.highest !== null && here.highest > here.last ? here.highest : null;
+    const shown = resting && higher !== null ? higher : here.last;
+    line.append("span").text(resting ? (view.range ? "Highest here: " : "Highest: ") : "At " + where(here) + ": ");
+    line.append("strong").attr("title", exact_bytes(shown)).text(human_bytes(shown) + " live");
+    const more = [", heap grown by " + human_bytes(here.heap)];
+    if (resting && higher !== null) more.unshift(" within the step up to " + where(here) + ", " + human_bytes(here.last) + " at its end");
+    else if (resting) more.unshift(" at " + where(here));
+    else if (higher !== null) more.unshift(", up to " + human_bytes(higher) + " within the step");
+    line.append("span").text(more.join(""));
     const list = place.append("ul").attr("class", "legend");
     one.ids.forEach((id, at) => {
       if (id < 0 && one.ids.length > 1 && one.steps.every((each) => each.levels[at] === 0)) return;
@@ -260,7 +265,7 @@ function draw_timeline(report, ranks) {
     heap.append("span").text("heap");
     heap.append("span").attr("class", "value").attr("title", exact_bytes(here.heap)).text(human_bytes(here.heap));
     const since = step > 0 ? one.steps[step - 1].at : -Infinity;
-    const near = one.ticks.filter((tick) => why === "" && tick.at > since && tick.at <= here.at).slice(0, 3);
+    const near = one.ticks.filter((tick) => !resting && tick.at > since && tick.at <= here.at).slice(0, 3);
     for (const tick of near) {
       const note = place.append("p").attr("class", "where");
       note.append("span").text("Marker " + (tick.trace === "" ? "" : "of " + tick.trace + " ") + "at " + tick.time + ": ");
@@ -283,11 +288,6 @@ function draw_timeline(report, ranks) {
     const level = (/** @type {Step} */ step) => step.highest ?? step.last;
     for (let at = from; at <= to; ++at) if (level(one.steps[at]) > level(one.steps[best])) best = at;
     return best;
-  }
-
-  /** @returns {string} */
-  function resting_words() {
-    return view.range ? "Highest here, the step up to" : "Highest, the step up to";
   }
 
   /** @param {Step} step @returns {string} */
@@ -335,7 +335,9 @@ function draw_timeline(report, ranks) {
         .x((/** @type {Step} */ step) => x(step.at)).y((/** @type {Step} */ step) => y(step.highest));
       inner.append("path").attr("class", "highest").attr("d", highest(one.steps));
     }
-    if (view.heap) inner.append("path").attr("class", "heap").attr("d", line((step) => step.heap));
+    if (!view.heap) return;
+    inner.append("path").attr("class", "heap halo").attr("d", line((step) => step.heap));
+    inner.append("path").attr("class", "heap").attr("d", line((step) => step.heap));
   }
 
   /** @param {D3Selection} inner @param {Series} one @param {any} x @param {any} y */
