@@ -17,6 +17,9 @@ install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 # README.md names the documents as docs/...
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+if(KIV_DATABASE)
+  install(FILES ${D3_LICENCE} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright.d3)
+endif()
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -50,6 +51,21 @@ std::vector<wanted_run> wanted_runs(const html_arguments& arguments) {
   return wanted;
 }
 
+// Whether writing the page there would destroy what it is made from, or another database or trace.
+bool holds_runs(const std::string& path, const std::vector<wanted_run>& shown) {
+  std::string unknown;
+  const auto kind = kind_of_source(path, unknown);
+  if (kind != source_kind::header) return kind == source_kind::database;
+  const std::string name = std::filesystem::path(path).filename().string();
+  if (name.find("kivhdr") != std::string::npos || name.find("kivdat") != std::string::npos) {
+    return true;
+  }
+  return std::ranges::any_of(shown, [&](const wanted_run& run) {
+    std::error_code other;
+    return std::filesystem::equivalent(path, run.source, other);
+  });
+}
+
 void print_written(const html_arguments& arguments, const report::page_data& page) {
   const report::print_style style = arguments.output.style();
   std::error_code unknown;
@@ -73,6 +89,9 @@ int run_html(const html_arguments& arguments) {
   if (wanted.empty()) {
     return complain("--run names a run for each source, or the two runs of one source",
                     status_usage);
+  }
+  if (holds_runs(arguments.file, wanted)) {
+    return complain_about(arguments.file, "holds runs; a page does not replace it");
   }
   std::string error;
   std::vector<run_profile> runs(wanted.size());

@@ -50,13 +50,6 @@ std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const 
   return sums;
 }
 
-void keep_top(group_list& list, std::size_t top) {
-  if (top >= list.rows.size()) return;
-  list.left_out += list.rows.size() - top;
-  for (std::size_t i = top; i < list.rows.size(); ++i) list.left_out_sum += list.rows[i].sum;
-  list.rows.resize(top);
-}
-
 group_list make_list(const std::vector<named_trace>& traces, const name_book& names, group_key by,
                      measure of, std::optional<std::size_t> top) {
   group_list list;
@@ -73,7 +66,11 @@ group_list make_list(const std::vector<named_trace>& traces, const name_book& na
     if (sum_a.blocks != sum_b.blocks) return sum_a.blocks > sum_b.blocks;
     return names.compare(by, a.name, b.name) < 0;
   });
-  if (top) keep_top(list, *top);
+  if (top && *top < list.rows.size()) {
+    list.left_out = list.rows.size() - *top;
+    for (std::size_t i = *top; i < list.rows.size(); ++i) list.left_out_sum += list.rows[i].sum;
+    list.rows.resize(*top);
+  }
   return list;
 }
 

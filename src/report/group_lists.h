@@ -45,9 +45,6 @@ struct group_list {
   split_amount left_out_sum;
 };
 
-// Leaves at most `top` rows in a list and adds up the others.
-void keep_top(group_list& list, std::size_t top);
-
 group_list make_list(const std::vector<named_trace>& traces, const name_book& names, group_key by,
                      measure of, std::optional<std::size_t> top);
 

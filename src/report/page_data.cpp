@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "report/human.h"
 #include "report/page_json.h"
@@ -13,16 +14,11 @@
 namespace kiv::report {
 namespace {
 
-// How long names may be, tried in this order until what is shown is detailed enough.
-struct name_limits {
-  std::optional<std::size_t> longest, most_frames;
-};
+// Tried in this order until what is shown is detailed enough.
 constexpr name_limits all_name_limits[] = {{{}, {}}, {300, 100}, {120, 40}, {60, 16}};
 
-// Lists are detailed enough with so many rows, groups when nothing larger than this share of all is
-// put together.
-constexpr std::size_t enough_rows = 50, enough_path_rows = 10;
-constexpr double fine_share = 0.001;
+// What a page's parts get of the room that the traces' figures leave, in hundredths.
+constexpr std::size_t for_lists = 50, for_timelines = 18, for_marks = 3, for_histograms = 5;
 
 bool find_runs(const std::vector<const run_profile*>& runs, const page_options& options,
                page_data& page, std::string& error) {
@@ -42,26 +38,30 @@ bool find_runs(const std::vector<const run_profile*>& runs, const page_options& 
   return true;
 }
 
-// Bytes of JSON of all runs without their lists.
-std::size_t heads_size(const page_data& page) {
+// Bytes of JSON that the runs take without their lists, groups, timelines, marks and histograms.
+constexpr std::size_t around_trace =
+    std::string_view(R"({"timeline":,"marks":[],"histograms":[]},)").size();
+std::size_t heads_size(const page_data& page, shown_names& shown) {
   std::ostringstream out;
+  std::size_t others = 0;
   for (std::size_t run = 0; run < page.runs.size(); ++run) {
     json_writer json(out, json_form::in_page);
     write_json_run(json, *page.runs[run].run, page.options.filter, page.figures[run], {},
-                   page_style(*page.shown));
+                   page_style(shown));
+    others += page.figures[run].size() * around_trace;
   }
-  return out.str().size();
+  return out.str().size() + others;
 }
 
 // The ids that timelines and histograms name.
-named_elsewhere named_ids(const page_data& page) {
+named_elsewhere named_ids(const page_content& content) {
   named_elsewhere names;
-  for (const auto& run : page.timelines.runs) {
+  for (const auto& run : content.timelines.runs) {
     for (const auto& timeline : run) {
       for (const auto id : timeline.ids) names.emplace_back(group_key::id, id);
     }
   }
-  for (const auto& run : page.histograms.runs) {
+  for (const auto& run : content.histograms.runs) {
     for (const auto& trace : run) {
       for (const auto& bar : trace) names.emplace_back(group_key::id, bar.id);
     }
@@ -71,25 +71,72 @@ named_elsewhere named_ids(const page_data& page) {
   return names;
 }
 
-// Fills the page with names of these lengths; whether it is detailed enough.
-bool fit_page(page_data& page, const std::vector<std::vector<group_list>>& lists,
-              const name_limits& limits) {
-  page.shown = std::make_unique<shown_names>(page.names, limits.longest, limits.most_frames);
-  const std::size_t budget = page.options.budget, heads = heads_size(page);
-  const std::size_t left = std::max(budget - std::min(budget, heads), budget / 4);
-  page.lists = fitting_lists(lists, *page.shown, left / 2);
-  const std::size_t for_page = left - std::min(left, page.lists.bytes);
-  page.timelines = fitting_timelines(page.runs, for_page * 7 / 20);
-  page.marks = fitting_marks(page.runs, *page.shown, for_page / 20);
-  page.histograms = fitting_histograms(page.runs, page.names.size(group_key::id), for_page / 10);
-  const std::size_t others = page.timelines.bytes + page.marks.bytes + page.histograms.bytes;
-  page.groups = fitting_groups(page.runs, page.names, *page.shown, named_ids(page),
-                               for_page - std::min(for_page, others));
-  const auto& all = page.lists;
-  return heads <= budget / 3 && all.rows >= std::min(all.longest, enough_rows) &&
-         all.path_rows >= std::min(all.longest_of_paths, enough_path_rows) &&
-         page.groups.name_threshold <= fine_share && page.groups.path_threshold <= fine_share;
+// How much can be told from a page: at most 1, which is enough.
+struct detail {
+  double of_lists = 0, of_paths = 0, of_groups = 0, of_traces = 0;
+
+  double least() const { return std::min({of_lists, of_paths, of_groups, of_traces}); }
+};
+
+// A list is detailed enough with so many rows, groups when nothing larger than this share of all is
+// put together, traces when their figures and texts leave this part of the room to all else.
+constexpr std::size_t enough_rows = 50, enough_path_rows = 10;
+constexpr double fine_share = 0.001, room_for_traces = 0.4;
+
+double part(std::size_t have, std::size_t wanted) {
+  return have >= wanted ? 1 : static_cast<double>(have) / static_cast<double>(wanted);
 }
+
+detail detail_of(const page_content& content, std::size_t heads, std::size_t budget) {
+  const page_lists& lists = content.lists;
+  double put_together = 0;
+  for (std::size_t key = 0; key < key_count; ++key) {
+    const auto& [kept, all] = content.groups.kept[key];
+    if (kept < all) put_together = std::max(put_together, content.groups.thresholds[key]);
+  }
+  return {part(lists.rows, std::min(lists.longest, enough_rows)),
+          part(lists.path_rows, std::min(lists.longest_of_paths, enough_path_rows)),
+          put_together <= fine_share ? 1 : fine_share / put_together,
+          part(static_cast<std::size_t>(room_for_traces * static_cast<double>(budget)), heads)};
+}
+
+class page_maker {
+ public:
+  explicit page_maker(const page_data& page) : page_(page), lists_(page.runs, page.names) {}
+
+  // The page's content with names of these lengths.
+  page_content content(const name_limits& limits, detail& detailed) const {
+    page_content made;
+    made.shown = std::make_unique<shown_names>(page_.names, limits);
+    const std::size_t budget = page_.options.budget, heads = heads_size(page_, *made.shown);
+    const std::size_t left = std::max(budget - std::min(budget, heads), budget / 4);
+    made.lists = lists_.fitting(*made.shown, left * for_lists / 100);
+    const std::size_t pictures = fit_pictures(made, left, left - std::min(left, made.lists.bytes));
+    // What the pictures do not need, or need more, is the lists' gain or loss.
+    made.lists = lists_.fitting(*made.shown, left - std::min(left, pictures));
+    detailed = detail_of(made, heads, budget);
+    return made;
+  }
+
+ private:
+  // Gives the bytes of JSON of all but the lists.
+  std::size_t fit_pictures(page_content& made, std::size_t left, std::size_t room) const {
+    made.timelines = fitting_timelines(page_.runs, left * for_timelines / 100);
+    made.marks = fitting_marks(page_.runs, *made.shown, left * for_marks / 100);
+    made.histograms = fitting_histograms(page_.runs, page_.names.size(group_key::id),
+                                         left * for_histograms / 100);
+    const std::size_t spent = made.timelines.bytes + made.marks.bytes + made.histograms.bytes;
+    made.groups = fitting_groups(page_.runs, page_.names, *made.shown, named_ids(made),
+                                 room - std::min(room, spent));
+    return spent + made.groups.bytes;
+  }
+
+  const page_data& page_;
+  whole_lists lists_;
+};
+
+// Names are cut only if a good deal more can be told then.
+constexpr double worth_cutting = 1.5;
 
 }  // namespace
 
@@ -97,11 +144,16 @@ bool make_page_data(const std::vector<const run_profile*>& runs, const page_opti
                     page_data& into, std::string& error) {
   into.options = options;
   if (!find_runs(runs, options, into, error)) return false;
-  const auto lists = all_lists(into.runs, into.names);
+  const page_maker maker(into);
+  detail best;
   for (const auto& limits : all_name_limits) {
-    const bool is_detailed = fit_page(into, lists, limits);
-    into.left_out = sentences_of(into, limits.longest, limits.most_frames);
-    if (is_detailed) break;
+    detail detailed;
+    auto content = maker.content(limits, detailed);
+    if (into.content.shown && detailed.least() < best.least() * worth_cutting) continue;
+    best = detailed;
+    into.left_out = sentences_of(content, options.filter, limits);
+    into.content = std::move(content);
+    if (best.least() >= 1) break;
   }
   return true;
 }

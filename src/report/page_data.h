@@ -25,6 +25,16 @@ struct page_options {
   std::size_t budget = 900'000;
 };
 
+// What of a page had to be made to fit. Names are as `shown` has them.
+struct page_content {
+  std::unique_ptr<shown_names> shown;
+  page_lists lists;
+  page_groups groups;
+  page_timelines timelines;
+  page_marks marks;
+  page_histograms histograms;
+};
+
 // What a page shows of one run, or of two that are compared: sums are exact, and what is small is
 // put together where all of it would take too much room. It looks into the runs, which must outlive
 // it.
@@ -33,12 +43,7 @@ struct page_data {
   name_book names;
   std::vector<page_run> runs;
   std::vector<std::vector<trace_figures>> figures;
-  std::unique_ptr<shown_names> shown;  // looks into `names`
-  page_lists lists;
-  page_groups groups;
-  page_timelines timelines;
-  page_marks marks;
-  page_histograms histograms;
+  page_content content;               // looks into `names`
   std::vector<std::string> left_out;  // in sentences, what was put together or cut
 };
 

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <span>
 
 #include "report/json_size.h"
-#include "report/json_writer.h"
 
 namespace kiv::report {
 namespace {
@@ -19,10 +20,15 @@ constexpr std::array named_keys = {group_key::id, group_key::color, group_key::l
 constexpr auto path_key = static_cast<std::size_t>(group_key::path);
 constexpr auto function_key = static_cast<std::size_t>(group_key::function);
 
-// Level 0 keeps everything, every level half as much as the one before; at the last nothing is kept
-// but what is named elsewhere.
+// How much is put together, by key. Level 0 keeps everything, at each further one twice as much is
+// small, at the last nothing is kept but what is named elsewhere.
+using fold_levels = std::array<int, key_count>;
 constexpr int last_level = 26;
 double threshold_of(int level) { return level == 0 ? 0 : std::ldexp(1, level - last_level + 1); }
+
+// What is told apart as finely as there is room for, the most telling first.
+constexpr std::array refined_keys = {group_key::path,  group_key::id,      group_key::line,
+                                     group_key::color, group_key::process, group_key::query};
 
 constexpr double kept_always = std::numeric_limits<double>::infinity();
 
@@ -95,6 +101,7 @@ class group_sums {
       report::add(groups_[at->second].counted_by, counted_by);
     }
   }
+  std::size_t size() const { return groups_.size(); }
   std::vector<placed_group> take() { return std::move(groups_); }
 
  private:
@@ -123,19 +130,20 @@ class group_folder {
     }
   }
 
-  // The groups with what is small put together. Where they are sure to take more than `budget`
-  // bytes of JSON, only `bytes` is set.
-  page_groups folded(double name_threshold, double path_threshold, std::size_t budget) const {
-    const auto groups = put_together(name_threshold, path_threshold);
+  // The groups with what is small put together; nothing when they take more than `budget` bytes of
+  // JSON.
+  std::optional<page_groups> folded(const fold_levels& levels, std::size_t budget) const {
     page_groups page;
-    page.bytes = groups.size() * smallest_group;
-    if (page.bytes > budget) return page;
-    page.name_threshold = name_threshold;
-    page.path_threshold = path_threshold;
-    add_names(groups, page);
+    for (std::size_t key = 0; key < key_count; ++key) {
+      page.thresholds[key] = threshold_of(levels[key]);
+    }
+    const auto groups = put_together(page.thresholds, budget / smallest_group);
+    if (!groups) return std::nullopt;
+    add_names(*groups, page);
     page.runs.resize(run_count_);
-    for (const auto& group : groups) add_group(group, page);
+    for (const auto& group : *groups) add_group(group, page);
     page.bytes = size_of(page);
+    if (page.bytes > budget) return std::nullopt;
     return page;
   }
 
@@ -181,20 +189,39 @@ class group_folder {
     shares_[path_key][0] = kept_always;
   }
 
-  std::vector<placed_group> put_together(double name_threshold, double path_threshold) const {
+  // For each number of a key: itself, or that of the others. One name alone stays what it is.
+  std::vector<std::uint32_t> kept_names(group_key key, double threshold) const {
+    const auto& shares = shares_[index(key)];
+    const auto is_small = [&](double share) { return share > 0 && share < threshold; };
+    const bool any_others = std::ranges::count_if(shares, is_small) > 1;
+    std::vector<std::uint32_t> kept(shares.size());
+    for (std::uint32_t i = 0; i < kept.size(); ++i) {
+      kept[i] = any_others && is_small(shares[i]) ? others_number : i;
+    }
+    return kept;
+  }
+
+  // Nothing when there are more than `most` groups.
+  std::optional<std::vector<placed_group>> put_together(
+      const std::array<double, key_count>& thresholds, std::size_t most) const {
+    std::array<std::vector<std::uint32_t>, named_keys.size()> name_of;
+    for (std::size_t key = 0; key < named_keys.size(); ++key) {
+      name_of[key] = kept_names(named_keys[key], thresholds[index(named_keys[key])]);
+    }
     std::vector<std::uint32_t> path_of(shares_[path_key].size());
     for (std::uint32_t i = 1; i < path_of.size(); ++i) {
       const std::uint32_t parent = path_of[names_.path_node(i).first];
-      path_of[i] = shares_[path_key][i] >= path_threshold ? 2 * i : parent | 1;
+      path_of[i] = shares_[path_key][i] >= thresholds[path_key] ? 2 * i : parent | 1;
     }
     group_sums sums;
-    for (auto group : groups_) {
+    for (const auto& [place, counted_by] : groups_) {
+      group_place folded = place;
       for (std::size_t key = 0; key < named_keys.size(); ++key) {
-        std::uint32_t& name = group.place.names[key];
-        if (shares_[index(named_keys[key])][name] < name_threshold) name = others_number;
+        folded.names[key] = name_of[key][place.names[key]];
       }
-      group.place.path = path_of[group.place.path / 2];
-      sums.add(group.place, group.counted_by);
+      folded.path = path_of[place.path / 2];
+      sums.add(folded, counted_by);
+      if (sums.size() > most) return std::nullopt;
     }
     return sums.take();
   }
@@ -235,13 +262,14 @@ class group_folder {
   }
 
   void name_used(group_key key, const std::vector<bool>& used, page_groups& page) const {
+    static const shown_name others{std::string(others_name), others_name.size() + 2};
     auto& names = page.names[index(key)];
     auto& places = page.places[index(key)];
     places.resize(used.size());
     for (std::uint32_t i = 0; i < used.size(); ++i) {
       if (!used[i]) continue;
       places[i] = static_cast<std::uint32_t>(names.size());
-      names.push_back(i + 1 < used.size() ? shown_.of(key, i) : std::string(others_name));
+      names.push_back(i + 1 < used.size() ? shown_.of(key, i) : others);
     }
   }
 
@@ -293,7 +321,7 @@ class group_folder {
       size += json_size(parent) + json_size(function) + std::string_view("[,],").size();
     }
     for (const auto& names : page.names) {
-      for (const auto& name : names) size += json_text(name, json_form::in_page).size() + 1;
+      for (const auto& name : names) size += name.json_bytes + 1;
     }
     return size;
   }
@@ -306,27 +334,44 @@ class group_folder {
   std::array<std::vector<double>, key_count> shares_;  // by number, of functions 0
 };
 
-// At the smallest level at which it fits the budget, or at the last one.
-template <class Fold>
-page_groups smallest_fitting(std::size_t budget, int& level, Fold fold) {
-  page_groups page = fold(0, budget);
-  level = 0;
-  if (page.bytes <= budget) return page;
-  int too_large = 0;
-  level = last_level;
-  page = fold(level, std::numeric_limits<std::size_t>::max());
-  while (level - too_large > 1) {
-    const int between = (too_large + level) / 2;
-    page_groups next = fold(between, budget);
-    if (next.bytes > budget) {
-      too_large = between;
-    } else {
-      level = between;
-      page = std::move(next);
+// Lowers levels as far as groups folded at them fit the budget; `page` becomes what fits.
+class level_search {
+ public:
+  level_search(const group_folder& folder, std::size_t budget) : folder_(folder), budget_(budget) {
+    levels_.fill(last_level);
+  }
+
+  // Of these keys together.
+  void lower(std::span<const group_key> keys) {
+    int fitting = levels_[index(keys[0])], too_large = -1;
+    while (fitting - too_large > 1) {
+      // Mostly everything fits.
+      const int level = too_large == -1 ? 0 : (too_large + fitting) / 2;
+      fold_levels levels = levels_;
+      for (const auto key : keys) levels[index(key)] = level;
+      auto folded = folder_.folded(levels, budget_);
+      if (folded) {
+        fitting = level;
+        levels_ = levels;
+        page_ = std::move(folded);
+      } else {
+        too_large = level;
+      }
     }
   }
-  return page;
-}
+
+  // The smallest possible when nothing fitted.
+  page_groups take() {
+    if (!page_) page_ = folder_.folded(levels_, std::numeric_limits<std::size_t>::max());
+    return std::move(*page_);
+  }
+
+ private:
+  const group_folder& folder_;
+  std::size_t budget_;
+  fold_levels levels_;
+  std::optional<page_groups> page_;
+};
 
 }  // namespace
 
@@ -339,16 +384,10 @@ page_groups fitting_groups(const std::vector<page_run>& runs, const name_book& n
                            shown_names& shown, const named_elsewhere& elsewhere,
                            std::size_t budget) {
   const group_folder folder(runs, names, shown, elsewhere);
-  int level = 0;
-  page_groups page = smallest_fitting(budget, level, [&](int both, std::size_t most) {
-    return folder.folded(threshold_of(both), threshold_of(both), most);
-  });
-  if (level == 0) return page;
-  // Perhaps names alone are too many; then there is room for more call paths.
-  int path_level = 0;
-  return smallest_fitting(budget, path_level, [&](int of_paths, std::size_t most) {
-    return folder.folded(threshold_of(level), threshold_of(std::min(of_paths, level)), most);
-  });
+  level_search search(folder, budget);
+  search.lower(refined_keys);
+  for (const auto& key : refined_keys) search.lower({&key, 1});
+  return search.take();
 }
 
 }  // namespace kiv::report

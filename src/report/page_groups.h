@@ -37,13 +37,14 @@ struct kept_share {
 // measure the groups add up to all its blocks, and so they do for every name that is left and for
 // every call path that is left with all that is called from it.
 struct page_groups {
-  std::array<std::vector<std::string>, key_count> names;  // of paths: none
+  std::array<std::vector<shown_name>, key_count> names;  // of paths: none
   // Parent and function; number 0 is the empty path. Parents come before their children.
   std::vector<std::pair<std::uint32_t, std::uint32_t>> paths = {{0, 0}};
   std::vector<std::vector<page_group>> runs;
-  // What holds a smaller share than this of all blocks and bytes, by every measure and in every
-  // run, is put together.
-  double name_threshold = 0, path_threshold = 0;
+  // For each key: what holds a smaller share than this of all blocks and bytes, by every measure
+  // and in every run, is put together; beyond 1 whatever there is. Of paths with all that they
+  // call.
+  std::array<double, key_count> thresholds = {};
   std::array<kept_share, key_count> kept = {};
   std::size_t bytes = 0;  // of JSON
 

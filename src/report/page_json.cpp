@@ -54,7 +54,7 @@ void write_timeline(json_writer& json, const page_data& page, const page_timelin
   write_numbers(json, "heap", timeline.heap);
   json.key("ids");
   write_array(json, timeline.ids, [&](std::uint32_t id) {
-    json.number(std::uint64_t{page.groups.place_of(group_key::id, id)});
+    json.number(std::uint64_t{page.content.groups.place_of(group_key::id, id)});
   });
   json.key("levels");
   write_array(json, timeline.levels, [&](const std::vector<std::uint64_t>& levels) {
@@ -69,7 +69,7 @@ void write_mark(json_writer& json, const page_data& page, const program_mark& ma
   json.key("time");
   json.text(mark.time);
   json.key("text");
-  json.text(page.shown->text(mark.text));
+  json.text(page.content.shown->text(mark.text));
   write_member(json, "live_bytes", mark.live_bytes);
   write_member(json, "live_blocks", mark.live_blocks);
   json.end_object();
@@ -81,7 +81,7 @@ void write_bar(json_writer& json, const page_data& page, const page_bar& bar) {
   json.text(bar.of == distribution::size ? "size" : "lifetime");
   json.key("no_free");
   json.boolean(bar.no_free);
-  write_member(json, "id", page.groups.place_of(group_key::id, bar.id));
+  write_member(json, "id", page.content.groups.place_of(group_key::id, bar.id));
   json.key("exponent");
   json.number(std::int64_t{bar.exponent});
   write_member(json, "blocks", bar.blocks);
@@ -92,19 +92,19 @@ void write_bar(json_writer& json, const page_data& page, const page_bar& bar) {
 void write_page_run(json_writer& json, const page_data& page, std::size_t run) {
   json.begin_object();
   json.key("groups");
-  write_array(json, page.groups.runs[run],
+  write_array(json, page.content.groups.runs[run],
               [&](const page_group& group) { write_group(json, group); });
   json.key("traces");
   json.begin_array();
   for (std::size_t trace = 0; trace < page.runs[run].traces.size(); ++trace) {
     json.begin_object();
     json.key("timeline");
-    write_timeline(json, page, page.timelines.runs[run][trace]);
+    write_timeline(json, page, page.content.timelines.runs[run][trace]);
     json.key("marks");
-    write_array(json, page.marks.runs[run][trace],
+    write_array(json, page.content.marks.runs[run][trace],
                 [&](const program_mark& mark) { write_mark(json, page, mark); });
     json.key("histograms");
-    write_array(json, page.histograms.runs[run][trace],
+    write_array(json, page.content.histograms.runs[run][trace],
                 [&](const page_bar& bar) { write_bar(json, page, bar); });
     json.end_object();
   }
@@ -123,11 +123,12 @@ void write_page(json_writer& json, const page_data& page) {
   for (std::size_t key = 0; key < key_count; ++key) {
     if (static_cast<group_key>(key) == group_key::path) continue;
     json.key(key_names[key]);
-    write_array(json, page.groups.names[key], [&](const std::string& name) { json.text(name); });
+    write_array(json, page.content.groups.names[key],
+                [&](const shown_name& name) { json.text(name.text); });
   }
   json.end_object();
   json.key("paths");
-  write_array(json, page.groups.paths, [&](const auto& path) {
+  write_array(json, page.content.groups.paths, [&](const auto& path) {
     json.begin_array();
     json.number(std::uint64_t{path.first});
     json.number(std::uint64_t{path.second});
@@ -147,12 +148,12 @@ json_run_style page_style(shown_names& names) {
               [&](json_writer& json, group_key by, std::uint32_t name) {
                 if (by != group_key::path) {
                   json.key("name");
-                  json.text(names.of(by, name));
+                  json.text(names.of(by, name).text);
                   return;
                 }
                 json.key("frames");
                 write_array(json, names.frames(name),
-                            [&](const std::string& frame) { json.text(frame); });
+                            [&](const shown_name* frame) { json.text(frame->text); });
               },
           .text = [&](const std::string& text) { return names.text(text); },
           .with_others = true};
@@ -165,7 +166,7 @@ void write_page_data(std::ostream& out, const page_data& page) {
   json.begin_array();
   for (std::size_t run = 0; run < page.runs.size(); ++run) {
     write_json_run(json, *page.runs[run].run, page.options.filter, page.figures[run],
-                   page.lists.runs[run], page_style(*page.shown));
+                   page.content.lists.runs[run], page_style(*page.content.shown));
   }
   json.end_array();
   json.key("page");

@@ -1,101 +1,154 @@
 #include "report/page_lists.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "report/json_size.h"
-#include "report/json_writer.h"
 
 namespace kiv::report {
 namespace {
 
-constexpr std::string_view members = R"({"blocks":,"bytes":,"tot_bytes":})";
+constexpr std::string_view members = R"({"frames":[],"blocks":,"bytes":,"tot_bytes":},)";
 // A list without rows: its key, measure, total and others.
 constexpr std::size_t empty_list = 240;
 
-std::size_t text_size(const std::string& text) {
-  return json_text(text, json_form::in_page).size() + 1;
-}
-
-std::size_t row_size(const group_list& list, const list_row& row, shown_names& names) {
+std::size_t row_size(group_key by, const list_row& row, shown_names& names) {
   const amount sum = row.sum.sum();
-  std::size_t size = members.size() + json_size(sum.blocks) + json_size(sum.bytes) +
-                     json_size(sum.tot_bytes) + std::string_view(R"("frames":[],)").size() + 1;
-  if (list.by != group_key::path) return size + text_size(names.of(list.by, row.name));
-  for (const auto& frame : names.frames(row.name)) size += text_size(frame);
+  std::size_t size =
+      members.size() + json_size(sum.blocks) + json_size(sum.bytes) + json_size(sum.tot_bytes);
+  if (by != group_key::path) return size + names.of(by, row.name).json_bytes + 1;
+  for (const auto* frame : names.frames(row.name)) size += frame->json_bytes + 1;
   return size;
 }
 
-struct fit {
-  std::size_t rows = 0;
-  std::size_t bytes = 0;
-  bool all = false;
-};
-
-// How many rows of each list fit.
-fit rows_that_fit(const std::vector<group_list*>& lists, shown_names& names, std::size_t budget) {
-  fit found;
-  for (;; ++found.rows) {
-    std::size_t more = 0;
-    bool any = false;
-    for (const auto* list : lists) {
-      if (found.rows >= list->rows.size()) continue;
-      any = true;
-      more += row_size(*list, list->rows[found.rows], names);
-      if (found.bytes + more > budget) return found;
-    }
-    if (!any) break;
-    found.bytes += more;
-  }
-  found.all = true;
-  return found;
-}
-
-std::size_t keep_rows(const std::vector<group_list*>& lists, std::size_t rows) {
-  std::size_t longest = 0;
-  for (auto* list : lists) {
-    longest = std::max(longest, list->rows.size());
-    keep_top(*list, rows);
-  }
-  return longest;
-}
+std::uint64_t bytes_of(const list_row* row) { return row ? row->sum.sum().bytes : 0; }
 
 }  // namespace
 
-std::vector<std::vector<group_list>> all_lists(const std::vector<page_run>& runs,
-                                               const name_book& names) {
-  std::vector<std::vector<group_list>> all;
-  for (const auto& run : runs) {
-    auto& lists = all.emplace_back();
-    for (std::size_t of = 0; of < measure_count; ++of) {
-      for (std::size_t by = 0; by < key_count; ++by) {
-        lists.push_back(
+struct whole_lists::fit {
+  std::size_t rows = 0;
+  std::size_t longest = 0;  // of all lists
+  std::size_t bytes = 0;
+};
+
+whole_lists::whole_lists(const std::vector<page_run>& runs, const name_book& names)
+    : run_count_(runs.size()) {
+  lists_.reserve(measure_count * key_count);
+  for (std::size_t of = 0; of < measure_count; ++of) {
+    for (std::size_t by = 0; by < key_count; ++by) {
+      compared_list& made = lists_.emplace_back();
+      for (const auto& run : runs) {
+        made.runs.push_back(
             make_list(run.traces, names, static_cast<group_key>(by), static_cast<measure>(of), {}));
       }
+      rank(made, names);
     }
   }
-  return all;
 }
 
-page_lists fitting_lists(std::vector<std::vector<group_list>> lists, shown_names& names,
-                         std::size_t budget) {
-  page_lists page;
-  page.runs = std::move(lists);
-  std::vector<group_list*> of_names, of_paths;
-  for (auto& run : page.runs) {
-    for (auto& list : run) (list.by == group_key::path ? of_paths : of_names).push_back(&list);
+void whole_lists::rank(compared_list& into, const name_book& names) {
+  const std::size_t run_count = into.runs.size();
+  if (run_count == 1) {
+    for (const auto& row : into.runs[0].rows) into.names.push_back({{&row}});
+    return;
   }
-  page.bytes = (of_names.size() + of_paths.size()) * empty_list;
+  std::vector<compared_list::name> by_number(names.size(into.runs[0].by));
+  std::vector<std::uint32_t> by_size;
+  for (std::size_t run = 0; run < run_count; ++run) {
+    for (const auto& row : into.runs[run].rows) {
+      auto& rows = by_number[row.name].rows;
+      if (rows.empty()) by_size.push_back(row.name);
+      rows.resize(run_count);
+      rows[run] = &row;
+    }
+  }
+  const auto size = [&](std::uint32_t number) {
+    const auto& rows = by_number[number].rows;
+    return std::max(bytes_of(rows[0]), bytes_of(rows[1]));
+  };
+  const auto change = [&](std::uint32_t number) {
+    const auto& rows = by_number[number].rows;
+    return size(number) - std::min(bytes_of(rows[0]), bytes_of(rows[1]));
+  };
+  auto by_change = by_size;
+  std::ranges::stable_sort(by_size, std::ranges::greater(), size);
+  std::ranges::stable_sort(by_change, std::ranges::greater(), change);
+  for (std::size_t i = 0; i < by_size.size(); ++i) {
+    for (const auto number : {by_change[i], by_size[i]}) {
+      auto& name = by_number[number];
+      if (!name.rows.empty()) into.names.push_back(std::move(name));
+      name.rows.clear();
+    }
+  }
+}
+
+// How many names of each list fit.
+whole_lists::fit whole_lists::rows_that_fit(bool of_paths, shown_names& names,
+                                            std::size_t budget) const {
+  fit found;
+  for (const auto& list : lists_) {
+    if ((list.runs[0].by == group_key::path) != of_paths) continue;
+    found.longest = std::max(found.longest, list.names.size());
+  }
+  for (; found.rows < found.longest; ++found.rows) {
+    std::size_t more = 0;
+    for (const auto& list : lists_) {
+      const group_key by = list.runs[0].by;
+      if ((by == group_key::path) != of_paths || found.rows >= list.names.size()) continue;
+      for (const auto* row : list.names[found.rows].rows) {
+        if (row) more += row_size(by, *row, names);
+      }
+      if (found.bytes + more > budget) return found;
+    }
+    found.bytes += more;
+  }
+  return found;
+}
+
+page_lists whole_lists::fitting(shown_names& names, std::size_t budget) const {
+  page_lists page;
+  page.bytes = lists_.size() * run_count_ * empty_list;
   budget -= std::min(budget, page.bytes);
   // What one kind of list does not need the other one gets.
-  fit named = rows_that_fit(of_names, names, budget * 3 / 5);
-  const fit paths = rows_that_fit(of_paths, names, budget - named.bytes);
-  if (paths.all && !named.all) named = rows_that_fit(of_names, names, budget - paths.bytes);
+  fit named = rows_that_fit(false, names, budget * 3 / 5);
+  const fit paths = rows_that_fit(true, names, budget - named.bytes);
+  if (named.rows < named.longest) named = rows_that_fit(false, names, budget - paths.bytes);
   page.bytes += named.bytes + paths.bytes;
-  page.longest = keep_rows(of_names, named.rows);
-  page.longest_of_paths = keep_rows(of_paths, paths.rows);
-  page.rows = std::min(named.rows, page.longest);
-  page.path_rows = std::min(paths.rows, page.longest_of_paths);
+  page.rows = named.rows;
+  page.longest = named.longest;
+  page.path_rows = paths.rows;
+  page.longest_of_paths = paths.longest;
+  page.runs.resize(run_count_);
+  for (const auto& list : lists_) {
+    const std::size_t rows = list.runs[0].by == group_key::path ? paths.rows : named.rows;
+    for (std::size_t run = 0; run < run_count_; ++run) {
+      page.runs[run].push_back(shown_part(list, run, rows));
+    }
+  }
   return page;
+}
+
+// The list of a run with the rows of the first so many names.
+group_list whole_lists::shown_part(const compared_list& from, std::size_t run, std::size_t names) {
+  const group_list& whole = from.runs[run];
+  group_list part;
+  part.by = whole.by;
+  part.of = whole.of;
+  part.total = whole.total;
+  std::vector<const list_row*> rows;
+  for (std::size_t i = 0; i < from.names.size(); ++i) {
+    const list_row* row = from.names[i].rows[run];
+    if (!row) continue;
+    if (i < names) {
+      rows.push_back(row);
+    } else {
+      ++part.left_out;
+      part.left_out_sum += row->sum;
+    }
+  }
+  std::ranges::sort(rows);  // as they stand in the whole list
+  for (const auto* row : rows) part.rows.push_back(*row);
+  return part;
 }
 
 }  // namespace kiv::report

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,8 +8,7 @@
 namespace kiv::report {
 
 // What of a page was put together, left out or cut, for people.
-std::vector<std::string> sentences_of(const page_data& page,
-                                      std::optional<std::size_t> longest_name,
-                                      std::optional<std::size_t> most_frames);
+std::vector<std::string> sentences_of(const page_content& page, const filter_options& filter,
+                                      const name_limits& limits);
 
 }  // namespace kiv::report

@@ -85,6 +85,19 @@ std::size_t size_of(const page_timeline& timeline) {
   return size;
 }
 
+// Bytes that timelines are sure to take.
+std::size_t least_size(const std::vector<page_run>& runs, const timeline_limits& limits) {
+  constexpr std::size_t of_step = std::string_view(R"("2023-11-14 22:13:20.005",0,0,0,0,)").size();
+  std::size_t steps = 0;
+  for (const auto& run : runs) {
+    for (const auto& trace : run.traces) {
+      // Half of the limit is reached at least, where steps become one.
+      steps += std::min(trace.trace->timeline.size(), (limits.steps + 1) / 2);
+    }
+  }
+  return steps * of_step;
+}
+
 page_timelines timelines_of(const std::vector<page_run>& runs, const timeline_limits& limits) {
   page_timelines page;
   page.most_steps = limits.steps;
@@ -134,6 +147,7 @@ page_marks marks_of(const std::vector<page_run>& runs, shown_names& names, std::
 page_timelines fitting_timelines(const std::vector<page_run>& runs, std::size_t budget) {
   page_timelines page;
   for (const auto& limits : all_limits) {
+    if (&limits != std::end(all_limits) - 1 && least_size(runs, limits) > budget) continue;
     page = timelines_of(runs, limits);
     if (page.bytes <= budget) break;
   }

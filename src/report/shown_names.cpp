@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "report/json_writer.h"
 #include "report/printable.h"
 
 namespace kiv::report {
@@ -24,9 +25,8 @@ std::size_t index(group_key key) { return static_cast<std::size_t>(key); }
 
 }  // namespace
 
-shown_names::shown_names(const name_book& names, std::optional<std::size_t> longest,
-                         std::optional<std::size_t> most_frames)
-    : names_(names), longest_(longest), most_frames_(most_frames) {
+shown_names::shown_names(const name_book& names, const name_limits& limits)
+    : names_(names), limits_(limits) {
   for (std::size_t key = 0; key < key_count; ++key) {
     if (static_cast<group_key>(key) == group_key::path) continue;
     shown_[key].resize(names.size(static_cast<group_key>(key)));
@@ -36,9 +36,9 @@ shown_names::shown_names(const name_book& names, std::optional<std::size_t> long
 
 std::string shown_names::text(std::string_view whole) {
   std::string valid = valid_utf8(whole);
-  if (!longest_ || display_width(valid) <= *longest_) return valid;
+  if (!limits_.longest || display_width(valid) <= *limits_.longest) return valid;
   any_cut_ = true;
-  return shortened(valid, *longest_);
+  return shortened(valid, *limits_.longest);
 }
 
 std::string shown_names::unique(group_key key, std::string name) {
@@ -50,25 +50,31 @@ std::string shown_names::unique(group_key key, std::string name) {
   }
 }
 
-const std::string& shown_names::of(group_key key, std::uint32_t number) {
-  const std::string*& shown = shown_[index(key)][number];
-  if (!shown) shown = &texts_.emplace_back(unique(key, text(names_.name(key, number))));
+const shown_name& shown_names::keep(std::string text) {
+  const std::size_t bytes = json_text(text, json_form::in_page).size();
+  return kept_.emplace_back(shown_name{std::move(text), bytes});
+}
+
+const shown_name& shown_names::of(group_key key, std::uint32_t number) {
+  const shown_name*& shown = shown_[index(key)][number];
+  if (!shown) shown = &keep(unique(key, text(names_.name(key, number))));
   return *shown;
 }
 
-std::vector<std::string> shown_names::frames(std::uint32_t path) {
+std::vector<const shown_name*> shown_names::frames(std::uint32_t path) {
   const auto functions = names_.frames(path);
-  const std::size_t most = most_frames_.value_or(functions.size());
-  const bool is_cut = functions.size() > most;
-  any_cut_ = any_cut_ || is_cut;
-  const std::size_t head = is_cut ? most / 2 : functions.size();
-  std::vector<std::string> shown;
-  for (std::size_t i = 0; i < head; ++i) shown.push_back(of(group_key::function, functions[i]));
-  if (!is_cut) return shown;
-  const std::size_t tail = functions.size() - (most - head);
-  shown.push_back(fmt::format("({} functions left out)", tail - head));
-  for (std::size_t i = tail; i < functions.size(); ++i) {
-    shown.push_back(of(group_key::function, functions[i]));
+  const std::size_t most =
+      std::min(limits_.most_frames.value_or(functions.size()), functions.size());
+  const std::size_t left_out = functions.size() - most, head = most / 2;
+  std::vector<const shown_name*> shown;
+  shown.reserve(most + 1);
+  for (std::size_t i = 0; i < functions.size(); ++i) {
+    if (left_out > 0 && i == head) {
+      any_cut_ = true;
+      shown.push_back(&keep(fmt::format("({} functions left out)", left_out)));
+      i += left_out;
+    }
+    shown.push_back(&of(group_key::function, functions[i]));
   }
   return shown;
 }

@@ -157,6 +157,13 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
                                 "diff A B --fail-above leaked=",
                                 "diff A B --fail-above size=1",
                                 "diff A B --fail-above leaked=-1",
+                                "html A",
+                                "html A -o ''",
+                                "html A B C D -o p.html",
+                                "html A B --run A -o p.html",
+                                "html t.db A B --run A -o p.html",
+                                "html A --run A --run B --run C -o p.html",
+                                "html A --focus '(' -o p.html",
                                 "import A",
                                 "import A -o ''",
                                 "import A -o u.db --as ''",
@@ -171,7 +178,9 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
     EXPECT_EQ(run.status, 1) << arguments << ": " << run.err;
     EXPECT_FALSE(run.err.empty()) << arguments;
   }
-  EXPECT_FALSE(std::filesystem::exists(dir_ / "u.db"));
+  for (const char* left : {"u.db", "p.html"}) {
+    EXPECT_FALSE(std::filesystem::exists(dir_ / left)) << left;
+  }
 }
 
 TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
@@ -202,6 +211,14 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
       {"import A A/kiv.41.kivhdr -o u.db", "given twice"},
       {"import A again -o u.db", "a second trace of run 'A' and process 41"},
       {"import A -o nowhere/u.db", "nowhere/u.db: "},
+      {"html nowhere -o p.html", "nowhere: No such file"},
+      {"html A --process nobody -o p.html", "no process 'nobody'"},
+      {"html A B --process nobody -o p.html", "neither run has a process 'nobody'"},
+      {"html A -o nowhere/p.html", "nowhere/p.html: No such file"},
+      {"html A -o empty", "empty: Is a directory"},
+      {"html A -o /dev/full", "/dev/full: No space left"},
+      {"html A -o t.db", "t.db: holds runs"},
+      {"html A -o A/kiv.41.000.kivdat", "kiv.41.000.kivdat: holds runs"},
   };
   for (const auto& [arguments, message] : cases) {
     const auto run = kivdb(arguments);
@@ -210,9 +227,88 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
   }
   EXPECT_EQ(kivdb("report A --json", "/dev/full").status, 2);
   EXPECT_NE(read_file(dir_ / "err").find("could not be written"), std::string::npos);
-  for (const char* left : {"u.db", "nowhere.db", "text-wal"}) {
+  for (const char* left : {"u.db", "nowhere.db", "text-wal", "p.html"}) {
     EXPECT_FALSE(std::filesystem::exists(dir_ / left)) << left;
   }
+}
+
+// What stands in a page for its scripts.
+json_value data_of(const std::string& page) {
+  const std::string begin = R"(<script type="application/json" id="kiv-report">)";
+  const std::size_t at = page.find(begin);
+  if (at == std::string::npos) return {};
+  const std::size_t from = at + begin.size();
+  return read_json(page.substr(from, page.find("</script>", from) - from));
+}
+
+// A value in one form, whatever blanks and escapes it was written with.
+std::string canonical(const json_value& value) {
+  std::string text = value.scalar;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    text +=
+        (i < value.keys.size() ? "," + value.keys[i] + ":" : ",") + canonical(value.elements[i]);
+  }
+  return "[" + text + "]";
+}
+
+TEST_F(Kivdb, APageHoldsWhatTheReportSays) {
+  for (const std::string sample : {"MIX", "NEXT", "SQL1"}) {
+    const std::string source = KIV_SOURCE_DIR "/samples/" + sample;
+    const auto report = kivdb("report " + source +
+                              " --json --by id,color,line,function,path,process,query"
+                              " --of leaked,peak,live,allocated,temporary");
+    const auto run = kivdb("html " + source + " -o p.html");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::string page = read_file(dir_ / "p.html");
+    const auto runs = canonical(data_of(page)["runs"]);
+    EXPECT_GT(runs.size(), 1000u);
+    EXPECT_EQ(runs, canonical(read_json(report.out)["runs"])) << sample;
+    EXPECT_NE(page.find("<title>" + sample + " "), std::string::npos);
+    for (const char* mark : {"@TITLE@", "@DATA@", "@STYLE@", "@D3@", "@SCRIPT@", "@POLICY@"}) {
+      EXPECT_EQ(page.find(mark), std::string::npos) << mark;
+    }
+  }
+}
+
+TEST_F(Kivdb, APageComparesRunsOfSourcesOrOfADatabase) {
+  write_runs();
+  ASSERT_EQ(kivdb("import A B -o t.db").status, 0);
+  std::string first;
+  for (const char* runs : {"A B", "t.db A B", "t.db --run A --run B", "A B --run A --run B"}) {
+    const auto run = kivdb(std::string("html -o p.html ") + runs);
+    ASSERT_EQ(run.status, 0) << runs << ": " << run.err;
+    const std::string page = read_file(dir_ / "p.html");
+    const auto data = data_of(page);
+    EXPECT_EQ(data["runs"][0]["run"].scalar, "A") << runs;
+    EXPECT_EQ(data["runs"][1]["run"].scalar, "B") << runs;
+    EXPECT_EQ(data["page"]["runs"].size(), 2u) << runs;
+    if (first.empty()) first = page;
+    EXPECT_EQ(page, first) << runs;
+  }
+}
+
+TEST_F(Kivdb, APageIsReplacedWholeOrNotAtAll) {
+  namespace fs = std::filesystem;
+  write_runs();
+  std::ofstream(dir_ / "p.html") << "old";
+  fs::permissions(dir_ / "p.html", fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("p.html", dir_ / "link.html");
+  const auto count = [&] { return std::distance(fs::directory_iterator(dir_.path()), {}); };
+  ASSERT_EQ(kivdb("runs nowhere.db").status, 2);  // the files of the outputs are there from now on
+  const auto before = count();
+  const int status = std::system(("cd '" + dir_.path() + "' && trap '' XFSZ && ulimit -f 100 && '" +
+                                  KIVDB_PROGRAM "' html A -o p.html >out 2>err")
+                                     .c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_NE(read_file(dir_ / "err").find("p.html: File too large"), std::string::npos);
+  EXPECT_EQ(read_file(dir_ / "p.html"), "old");
+  EXPECT_EQ(count(), before) << "nothing is left beside it";
+  EXPECT_EQ(kivdb("html A -o link.html").status, 0);
+  EXPECT_EQ(data_of(read_file(dir_ / "p.html"))["runs"].size(), 1u);
+  EXPECT_TRUE(fs::is_symlink(dir_ / "link.html"));
+  EXPECT_EQ(fs::status(dir_ / "p.html").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(count(), before);
 }
 
 TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
@@ -227,8 +323,8 @@ TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
 }
 
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
-  for (const std::string command :
-       {"import", "report", "tree", "diff", "trend", "runs", "forget", "show", "views", "sql"}) {
+  for (const std::string command : {"import", "report", "tree", "diff", "html", "trend", "runs",
+                                    "forget", "show", "views", "sql"}) {
     const auto run = kivdb(command + " --help");
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("Example: kivdb " + command), std::string::npos) << run.out;
