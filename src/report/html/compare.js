@@ -1,25 +1,19 @@
 // What differs between two runs.
 
-/** Columns before, after and change of a unit.
- * @param {Unit} unit @param {(row: any, run: number) => Amount | null} amount_of null where a list does
- *   not say: the name stands among its others
- * @returns {Column[]} */
+/**
+ * Columns before, after and change of a unit.
+ * @param {Unit} unit @param {(row: any, run: number) => Amount} amount_of @returns {Column[]}
+ */
 function change_columns(unit, amount_of) {
   const format = unit === "bytes" ? human_bytes : grouped;
   const exact = unit === "bytes" ? exact_bytes : in_blocks;
-  /** @param {any} row */
-  const change = (row) => {
-    const before = amount_of(row, 0);
-    const after = amount_of(row, 1);
-    return before && after ? after[unit] - before[unit] : NaN;
-  };
-  /** @param {number} run @returns {Column} */
-  const side = (run) => ({
+  const change = (/** @type {any} */ row) => amount_of(row, 1)[unit] - amount_of(row, 0)[unit];
+  const side = (/** @type {number} */ run) => ({
     title: run === 0 ? "Before" : "After",
     number: true,
-    text: (row) => { const amount = amount_of(row, run); return amount ? format(amount[unit]) : "in others"; },
-    exact: (row) => { const amount = amount_of(row, run); return amount ? exact(amount[unit]) : "This list was cut; the name is not in it."; },
-    value: (row) => { const amount = amount_of(row, run); return amount ? amount[unit] : -1; },
+    text: (/** @type {any} */ row) => format(amount_of(row, run)[unit]),
+    exact: (/** @type {any} */ row) => exact(amount_of(row, run)[unit]),
+    value: (/** @type {any} */ row) => amount_of(row, run)[unit],
   });
   return [
     side(0),
@@ -27,32 +21,30 @@ function change_columns(unit, amount_of) {
     {
       title: "Change",
       number: true,
-      text: (row) => (Number.isNaN(change(row)) ? "unknown" : signed(change(row), format)),
-      value: (row) => (Number.isNaN(change(row)) ? 0 : change(row)),
+      text: (row) => signed(change(row), format),
+      value: change,
       fill: (cell, row) => {
         const by = change(row);
         cell.attr("class", "number change " + (by > 0 ? "grown" : by < 0 ? "shrunk" : ""));
-        cell.attr("title", Number.isNaN(by) ? "One of the lists was cut; the name is not in it." : signed(by, exact));
-        cell.text(Number.isNaN(by) ? "unknown" : signed(by, format));
+        cell.attr("title", signed(by, exact)).text(signed(by, format));
       },
     },
   ];
 }
 
-/** What a list says of a name that is not among its rows: nothing, unless it was cut.
- * @param {List} list @returns {Amount | null} */
-function absent_from(list) {
-  return list.others ? null : {blocks: 0, bytes: 0, tot_bytes: 0};
-}
-
-/** A list's name in a form that equal names share.
- * @param {ListRow} row @returns {string} */
+/**
+ * A list's name in a form that equal names share.
+ * @param {ListRow} row @returns {string}
+ */
 function row_key(row) {
   return row.frames ? row.frames.join("\u0000") : row.name || "";
 }
 
-/** Rows of one or two lists by name, in the order of the lists.
- * @typedef {{key: string, name: string, frames: string[] | null, amounts: (Amount | null)[]}} JoinedRow */
+/**
+ * Rows of one or two lists by name, in the order of the lists. Both lists have the same names
+ * where they were cut, so a name that one of them lacks is not in that run.
+ * @typedef {{key: string, name: string, frames: string[] | null, amounts: Amount[]}} JoinedRow
+ */
 
 /** @param {List[]} lists @returns {JoinedRow[]} */
 function join_lists(lists) {
@@ -67,7 +59,12 @@ function join_lists(lists) {
       seen.add(key);
       let entry = joined.get(key);
       if (!entry) {
-        entry = {key, name: row.name || "", frames: row.frames || null, amounts: lists.map(absent_from)};
+        entry = {
+          key,
+          name: row.name || "",
+          frames: row.frames || null,
+          amounts: lists.map(() => ({blocks: 0, bytes: 0, tot_bytes: 0}))
+        };
         joined.set(key, entry);
       }
       entry.amounts[at] = row;

@@ -1,4 +1,5 @@
-// What stands in the page: the figures of `kivdb report --json` for each run, and what pictures need.
+// What stands in the page: the figures of `kivdb report --json` for each run, and what pictures
+// need.
 
 /** @typedef {{blocks: number, bytes: number, tot_bytes: number}} Amount */
 /** @typedef {{what: string, count: number, first?: string}} Loss */
@@ -18,7 +19,8 @@
  * @typedef {{by: KeyName, of: MeasureName, total: Amount, rows: ListRow[],
  *   others?: Amount & {names: number}}} List
  */
-/** @typedef {{run: string, traces: Trace[], lists: List[]}} Run */
+/** @typedef {{focus?: string, ignore?: string, process?: string}} Filter */
+/** @typedef {{run: string, filter?: Filter, traces: Trace[], lists: List[]}} Run */
 /**
  * @typedef {{records: number[], times: string[], highest: number[], last: number[],
  *   heap: number[], ids: number[], levels: number[][]}} Timeline
@@ -40,8 +42,9 @@
  */
 /** @typedef {{runs: Run[], page: Page}} Report */
 
-/** Blocks that share trace, kind, id, colour, line, call path, process and statement; figures by the
- * place of their measure.
+/**
+ * Blocks that share trace, kind, id, colour, line, call path, process and statement; figures by
+ * the place of their measure.
  * @typedef {{run: number, trace: number, no_free: boolean, id: number, color: number, line: number,
  *   path: number, process: number, query: number, blocks: number[], bytes: number[]}} Group
  */
@@ -51,7 +54,11 @@ const measures = [
   {name: "leaked", title: "Leaked", meaning: "with-free memory that no free ended"},
   {name: "peak", title: "At the peak", meaning: "live when most was live"},
   {name: "live", title: "Live at the end", meaning: "made and not ended, of both kinds"},
-  {name: "allocated", title: "Allocated", meaning: "every block, with the size that it was made with"},
+  {
+    name: "allocated",
+    title: "Allocated",
+    meaning: "every block, with the size that it was made with"
+  },
   {name: "temporary", title: "Temporary", meaning: "freed within 100 memory records of its making"},
 ];
 
@@ -92,8 +99,10 @@ function read_report() {
   return JSON.parse(element.textContent || "");
 }
 
-/** Groups hold two values for each measure whose bit is set.
- * @param {number[]} values @param {number} run @returns {Group} */
+/**
+ * Groups hold two values for each measure whose bit is set.
+ * @param {number[]} values @param {number} run @returns {Group}
+ */
 function read_group(values, run) {
   const [trace, no_free, id, color, line, path, process, query, mask] = values;
   const blocks = [];
@@ -113,16 +122,21 @@ function read_groups(page) {
   return page.runs.flatMap((run, place) => run.groups.map((values) => read_group(values, place)));
 }
 
-/** The shown names of a call path, outermost first.
- * @param {Page} page @param {number} path @returns {string[]} */
+/**
+ * The shown names of a call path, outermost first.
+ * @param {Page} page @param {number} path @returns {string[]}
+ */
 function path_frames(page, path) {
   const frames = [];
-  for (let at = path; at !== 0; at = page.paths[at][0]) frames.push(page.names.function[page.paths[at][1]]);
+  for (let at = path; at !== 0; at = page.paths[at][0])
+    frames.push(page.names.function [page.paths[at][1]]);
   return frames.reverse();
 }
 
-/** What all traces of a run add up to.
- * @param {Run} run @param {MeasureName} measure @returns {Amount} */
+/**
+ * What all traces of a run add up to.
+ * @param {Run} run @param {MeasureName} measure @returns {Amount}
+ */
 function run_total(run, measure) {
   const sum = {blocks: 0, bytes: 0, tot_bytes: 0};
   for (const trace of run.traces) {
@@ -139,14 +153,18 @@ function find_list(run, by, of) {
   return found || {by, of, total: {blocks: 0, bytes: 0, tot_bytes: 0}, rows: []};
 }
 
-/** "orderd (4101)"
- * @param {Trace} trace @returns {string} */
+/**
+ * "orderd (4101)"
+ * @param {Trace} trace @returns {string}
+ */
 function trace_name(trace) {
   return shown_name(trace.program) + " (" + trace.pid + ")";
 }
 
-/** "before" and "after" for two runs, nothing for one.
- * @param {Report} report @param {number} run @returns {string} */
+/**
+ * "before" and "after" for two runs, nothing for one.
+ * @param {Report} report @param {number} run @returns {string}
+ */
 function side_name(report, run) {
   return report.runs.length < 2 ? "" : run === 0 ? "before" : "after";
 }

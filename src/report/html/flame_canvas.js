@@ -1,19 +1,27 @@
 // The drawing of a flame graph: one canvas, of which only what is in view is drawn.
 
-/** @typedef {{frame_of: (event: MouseEvent) => Frame | null, draw: () => void,
+/**
+ * @typedef {{frame_of: (event: MouseEvent) => Frame | null, draw: () => void,
  *   show: (rows: Frame[][], focus: Frame) => void, zoom: (focus: Frame) => void,
  *   mark: (selected: Frame | null, matches: Set<Frame> | null) => void,
- *   bring_into_view: (frame: Frame) => void, element: any}} FlameCanvas */
+ *   bring_into_view: (frame: Frame) => void, element: any}} FlameCanvas
+ */
 
 const frame_height = 19;
 const most_flame_height = 560;
 
-/** @param {D3Selection} parent @param {string} label
+/**
+ * @param {D3Selection} parent @param {string} label
  * @param {(frame: Frame, colors: Record<string, string>) => string} color_of
- * @returns {FlameCanvas} */
+ * @returns {FlameCanvas}
+ */
 function make_flame_canvas(parent, label, color_of) {
-  const scroller = parent.append("div").attr("class", "flame canvas").attr("tabindex", 0)
-    .attr("role", "application").attr("aria-roledescription", "flame graph").attr("aria-label", label);
+  const scroller = parent.append("div")
+                       .attr("class", "flame canvas")
+                       .attr("tabindex", 0)
+                       .attr("role", "application")
+                       .attr("aria-roledescription", "flame graph")
+                       .attr("aria-label", label);
   const canvas = scroller.append("canvas").attr("aria-hidden", "true");
   const spacer = scroller.append("div").attr("class", "spacer");
   const context = canvas.node().getContext("2d");
@@ -39,8 +47,10 @@ function make_flame_canvas(parent, label, color_of) {
     const ratio = window.devicePixelRatio || 1;
     scroller.style("height", height + "px");
     spacer.style("height", Math.max(0, rows.length * frame_height + 1 - height) + "px");
-    canvas.attr("width", Math.round(width * ratio)).attr("height", Math.round(height * ratio))
-      .style("width", width + "px").style("height", height + "px");
+    canvas.attr("width", Math.round(width * ratio))
+        .attr("height", Math.round(height * ratio))
+        .style("width", width + "px")
+        .style("height", height + "px");
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
     x.range([0, width]);
   }
@@ -52,8 +62,10 @@ function make_flame_canvas(parent, label, color_of) {
     return /** @type {number} */ (known);
   }
 
-  /** The name as far as it has room: whole, without its object, or cut.
-   * @param {string} name @param {number} room @returns {string} */
+  /**
+   * The name as far as it has room: whole, without its object, or cut.
+   * @param {string} name @param {number} room @returns {string}
+   */
   function fitting(name, room) {
     if (name.length < 400 && text_width(name) <= room) return name;
     const part = split_function(name).part;
@@ -66,7 +78,8 @@ function make_flame_canvas(parent, label, color_of) {
     if (width === 0) return;
     const colors = flame_colors();
     context.clearRect(0, 0, width, height);
-    context.font = '12px ui-monospace, "SF Mono", "Cascadia Mono", "DejaVu Sans Mono", Menlo, Consolas, monospace';
+    context.font =
+        "12px ui-monospace, \"SF Mono\", \"Cascadia Mono\", \"DejaVu Sans Mono\", Menlo, Consolas, monospace";
     context.textBaseline = "middle";
     const scrolled = scroller.node().scrollTop;
     const [from, to] = x.domain();
@@ -76,7 +89,8 @@ function make_flame_canvas(parent, label, color_of) {
       const row = rows[depth];
       const top = depth * frame_height - scrolled;
       let drawn_to = -1;
-      for (let at = Math.max(0, left_edge.right(row, from) - 1); at < row.length && row[at].x0 < to; ++at) {
+      for (let at = Math.max(0, left_edge.right(row, from) - 1); at < row.length && row[at].x0 < to;
+           ++at) {
         const frame = row[at];
         const left = Math.max(0, x(frame.x0));
         const right = Math.min(width, x(frame.x1));
@@ -88,8 +102,10 @@ function make_flame_canvas(parent, label, color_of) {
     }
   }
 
-  /** @param {Frame} frame @param {number} left @param {number} top @param {number} wide
-   * @param {Record<string, string>} colors */
+  /**
+   * @param {Frame} frame @param {number} left @param {number} top @param {number} wide
+   * @param {Record<string, string>} colors
+   */
   function draw_frame(frame, left, top, wide, colors) {
     const found = matches !== null && matches.has(frame);
     const above = focus !== null && frame.depth < focus.depth;
@@ -113,7 +129,8 @@ function make_flame_canvas(parent, label, color_of) {
   /** @param {MouseEvent} event @returns {Frame | null} */
   function frame_of(event) {
     const box = canvas.node().getBoundingClientRect();
-    const row = rows[Math.floor((event.clientY - box.top + scroller.node().scrollTop) / frame_height)];
+    const row =
+        rows[Math.floor((event.clientY - box.top + scroller.node().scrollTop) / frame_height)];
     if (!row) return null;
     const place = x.invert(event.clientX - box.left);
     const frame = row[left_edge.right(row, place) - 1];
@@ -143,7 +160,8 @@ function make_flame_canvas(parent, label, color_of) {
     const top = frame.depth * frame_height;
     const node = scroller.node();
     if (top < node.scrollTop) node.scrollTop = top;
-    if (top + frame_height > node.scrollTop + height) node.scrollTop = top + 2 * frame_height - height;
+    if (top + frame_height > node.scrollTop + height)
+      node.scrollTop = top + 2 * frame_height - height;
   }
 
   scroller.on("scroll", draw);
@@ -177,14 +195,18 @@ function flame_colors() {
   /** @type {Record<string, string>} */
   const colors = {};
   const style = getComputedStyle(document.documentElement);
-  const names = ["ink", "found", "found_ink", "outline", "plain", "all", "others", "grown", "same", "shrunk"];
+  const names =
+      ["ink", "found", "found_ink", "outline", "plain", "all", "others", "grown", "same", "shrunk"];
   for (let at = 0; at < object_colors; ++at) names.push("object_" + at);
-  for (const name of names) colors[name] = style.getPropertyValue("--flame-" + name.replace(/_/g, "-")).trim();
+  for (const name of names)
+    colors[name] = style.getPropertyValue("--flame-" + name.replace(/_/g, "-")).trim();
   return colors;
 }
 
-/** How much a frame grew: -1 when it is gone, 1 when it is new.
- * @param {Frame} frame @param {Unit} unit @returns {number} */
+/**
+ * How much a frame grew: -1 when it is gone, 1 when it is new.
+ * @param {Frame} frame @param {Unit} unit @returns {number}
+ */
 function growth_of(frame, unit) {
   const [before, after] = frame.data.all.map((figures) => figures[unit]);
   return (after - before) / Math.max(1, before, after);

@@ -1,22 +1,23 @@
 // The flame graph with its switches, its search, the figures of a frame and the table behind it.
 
-/** A row of a table whose paths are asked for.
- * @typedef {{key: KeyName, name: string, frames: string[] | null}} RowFilter */
+/**
+ * What the page shows of all measures.
+ * @typedef {{measure: MeasureName, unit: Unit, filter: RowFilter | null}} Choice
+ */
 
-/** What the page shows of all measures.
- * @typedef {{measure: MeasureName, unit: Unit, filter: RowFilter | null}} Choice */
-
-const most_table_frames = 500;
-
-/** @param {Report} report @param {Group[]} groups
- * @param {Choice} choice @param {() => void} changed called when the filter was taken away */
+/**
+ * @param {Report} report @param {Group[]} groups
+ * @param {Choice} choice @param {() => void} changed called when the filter was taken away
+ */
 function make_flame_graph(report, groups, choice, changed) {
   const page = report.page;
   const compared = report.runs.length > 1;
   const objects = rank_objects(page.names.function);
   const section = d3.select("#flame");
-  /** @type {{ids: "none" | "id" | "color", inverted: boolean, process: number, trace: number,
-   *   search: string}} */
+  /**
+   * @type {{ids: "none" | "id" | "color", inverted: boolean, process: number, trace: number,
+   *   search: string}}
+   */
   const view = {ids: "none", inverted: false, process: -1, trace: -1, search: ""};
   /** @type {any} */
   let root = null;
@@ -28,26 +29,40 @@ function make_flame_graph(report, groups, choice, changed) {
   section.append("p").attr("class", "lead").attr("id", "flame-lead");
   draw_controls();
   const filter_place = section.append("div").attr("id", "flame-filter").attr("aria-live", "polite");
-  const sum_line = section.append("p").attr("class", "sum-line").attr("id", "flame-sum").attr("aria-live", "polite");
-  const found_line = section.append("p").attr("class", "found").attr("id", "flame-found").attr("aria-live", "polite");
-  const keys_help = "Arrow keys go to callers, callees and neighbours, Enter zooms into a frame, Escape zooms out. A table follows.";
-  const picture = make_flame_canvas(section, "Flame graph of call paths. " + keys_help, frame_color);
+  const sum_line = section.append("p")
+                       .attr("class", "sum-line")
+                       .attr("id", "flame-sum")
+                       .attr("aria-live", "polite");
+  const found_line = section.append("p")
+                         .attr("class", "found")
+                         .attr("id", "flame-found")
+                         .attr("aria-live", "polite");
+  const keys_help =
+      "Arrow keys go to callers, callees and neighbours, Enter zooms into a frame, Escape zooms out. A table follows.";
+  const picture =
+      make_flame_canvas(section, "Flame graph of call paths. " + keys_help, frame_color);
   const legend = section.append("ul").attr("class", "legend").attr("id", "flame-legend");
-  const details = section.append("div").attr("class", "frame-details").attr("id", "flame-details").attr("aria-live", "polite");
-  const table = table_behind(section, "The frames as a table", "flame-table", fill_table);
+  const details = section.append("div")
+                      .attr("class", "frame-details")
+                      .attr("id", "flame-details")
+                      .attr("aria-live", "polite");
+  const table = table_behind(section, "The frames as a table", "flame-table", (place) => {
+    frame_table(place, report, focus, matches());
+  });
 
   picture.element.on("mousemove", () => {
     const frame = picture.frame_of(d3.event);
     picture.element.style("cursor", frame ? "pointer" : "default");
-    if (frame) show_tip(d3.event, tip_lines(frame));
-    else hide_tip();
+    if (frame)
+      show_tip(d3.event, tip_lines(frame));
+    else
+      hide_tip();
   });
   picture.element.on("mouseleave", hide_tip);
   picture.element.on("click", () => {
     const frame = picture.frame_of(d3.event);
     if (!frame) return;
-    select(frame);
-    zoom(frame);
+    go_to(frame);
   });
   picture.element.on("keydown", () => on_key(d3.event));
   picture.element.on("focus", () => {
@@ -57,10 +72,20 @@ function make_flame_graph(report, groups, choice, changed) {
   function draw_controls() {
     const controls = section.append("div").attr("class", "controls");
     radio_group(controls, {
-      legend: "From", name: "flame-direction", value: "outermost",
+      legend: "From",
+      name: "flame-direction",
+      value: "outermost",
       options: [
-        {value: "outermost", text: "Outermost", title: "Who called: the program's first functions on top"},
-        {value: "innermost", text: "Innermost", title: "Who allocates: the functions that allocated on top, their callers below"},
+        {
+          value: "outermost",
+          text: "Outermost",
+          title: "Who called: the program's first functions on top"
+        },
+        {
+          value: "innermost",
+          text: "Innermost",
+          title: "Who allocates: the functions that allocated on top, their callers below"
+        },
       ],
       change: (value) => {
         view.inverted = value === "innermost";
@@ -68,8 +93,13 @@ function make_flame_graph(report, groups, choice, changed) {
       },
     });
     radio_group(controls, {
-      legend: "Ids as top frames", name: "flame-ids", value: view.ids,
-      options: [{value: "none", text: "No"}, {value: "id", text: "Ids"}, {value: "color", text: "Ids, colours"}],
+      legend: "Ids as top frames",
+      name: "flame-ids",
+      value: view.ids,
+      options: [
+        {value: "none", text: "No"}, {value: "id", text: "Ids"},
+        {value: "color", text: "Ids, colours"}
+      ],
       change: (value) => {
         view.ids = value;
         rebuild();
@@ -78,8 +108,11 @@ function make_flame_graph(report, groups, choice, changed) {
     const used = Array.from(new Set(groups.map((group) => group.process))).sort((a, b) => a - b);
     if (used.length > 1) {
       select_box(controls, {
-        label: "Process", id: "flame-process", value: "-1",
-        options: [{value: "-1", text: "All processes"}].concat(used.map((at) => ({value: String(at), text: shown_name(page.names.process[at])}))),
+        label: "Process",
+        id: "flame-process",
+        value: "-1",
+        options: [{value: "-1", text: "All processes"}].concat(
+            used.map((at) => ({value: String(at), text: shown_name(page.names.process[at])}))),
         change: (value) => {
           view.process = Number(value);
           rebuild();
@@ -88,8 +121,11 @@ function make_flame_graph(report, groups, choice, changed) {
     }
     if (!compared && report.runs[0].traces.length > 1) {
       select_box(controls, {
-        label: "Trace", id: "flame-trace", value: "-1",
-        options: [{value: "-1", text: "All traces"}].concat(report.runs[0].traces.map((trace, at) => ({value: String(at), text: trace_name(trace)}))),
+        label: "Trace",
+        id: "flame-trace",
+        value: "-1",
+        options: [{value: "-1", text: "All traces"}].concat(report.runs[0].traces.map(
+            (trace, at) => ({value: String(at), text: trace_name(trace)}))),
         change: (value) => {
           view.trace = Number(value);
           rebuild();
@@ -97,7 +133,9 @@ function make_flame_graph(report, groups, choice, changed) {
       });
     }
     text_field(controls, {
-      label: "Search", id: "flame-search", type: "search",
+      label: "Search",
+      id: "flame-search",
+      type: "search",
       change: (value) => {
         view.search = value;
         search();
@@ -110,24 +148,28 @@ function make_flame_graph(report, groups, choice, changed) {
   function frame_color(frame, colors) {
     if (compared) {
       const growth = growth_of(frame, choice.unit);
-      return d3.interpolateRgb(colors.same, growth > 0 ? colors.grown : colors.shrunk)(Math.pow(Math.abs(growth), 0.6));
+      return d3.interpolateRgb(
+          colors.same, growth > 0 ? colors.grown : colors.shrunk)(Math.pow(Math.abs(growth), 0.6));
     }
     if (frame.data.kind === "all") return colors.all;
     if (frame.data.name === others_name) return colors.others;
     const rank = objects.get(split_function(frame.data.name).object);
-    return frame.data.kind !== "function" ? colors.all : rank === undefined ? colors.plain : colors["object_" + rank];
+    return frame.data.kind !== "function" ? colors.all :
+        rank === undefined                ? colors.plain :
+                                            colors["object_" + rank];
   }
 
   /** @returns {(group: Group) => boolean} */
   function acceptance() {
     const by_filter = filter_test(page, choice.filter);
     return (group) => (view.process < 0 || group.process === view.process) &&
-      (view.trace < 0 || group.trace === view.trace) && by_filter(group);
+        (view.trace < 0 || group.trace === view.trace) && by_filter(group);
   }
 
   function rebuild() {
     const measure = measure_place(choice.measure);
-    const tree = frame_tree(page, groups, {measure, ids: view.ids, inverted: view.inverted, accepts: acceptance()});
+    const tree = frame_tree(
+        page, groups, {measure, ids: view.ids, inverted: view.inverted, accepts: acceptance()});
     root = lay_out(tree, choice.unit);
     focus = root;
     selected = null;
@@ -142,8 +184,13 @@ function make_flame_graph(report, groups, choice, changed) {
 
   /** @returns {string} */
   function lead_text() {
-    const what = view.inverted ? "Who allocates: the innermost functions on top, their callers below." : "Who called whom: the outermost functions on top, what they called below.";
-    return what + (compared ? " A frame is as wide as the larger of both runs." : " A frame is as wide as what it holds with all that it called.") + " Click a frame to zoom in.";
+    const what = view.inverted ?
+        "Who allocates: the innermost functions on top, their callers below." :
+        "Who called whom: the outermost functions on top, what they called below.";
+    return what +
+        (compared ? " A frame is as wide as the larger of both runs." :
+                    " A frame is as wide as what it holds with all that it called.") +
+        " Click a frame to zoom in.";
   }
 
   function say_filter() {
@@ -160,18 +207,25 @@ function make_flame_graph(report, groups, choice, changed) {
     say_missing(filter);
   }
 
-  /** What the table has of a name and the graph has not, since it was put together.
-   * @param {RowFilter} filter */
+  /**
+   * What the table has of a name and the graph has not, since it was put together.
+   * @param {RowFilter} filter
+   */
   function say_missing(filter) {
     if (view.process >= 0 || view.trace >= 0) return;
     const wanted = filter.frames ? filter.frames.join("\u0000") : filter.name;
     report.runs.forEach((run, at) => {
-      const row = find_list(run, filter.key, choice.measure).rows.find((each) => row_key(each) === wanted);
+      const row =
+          find_list(run, filter.key, choice.measure).rows.find((each) => row_key(each) === wanted);
       if (!row) return;
       const missing = row.bytes - root.data.all[at].bytes;
       if (missing <= 0 && row.blocks <= root.data.all[at].blocks) return;
-      filter_place.append("p").attr("class", "note").text((compared ? side_name(report, at) + ": " : "") + exact_bytes(missing) + " of its " +
-        exact_bytes(row.bytes) + " stand in “" + others_name + "”: they were put together with others to keep this page small.");
+      filter_place.append("p")
+          .attr("class", "note")
+          .text(
+              (compared ? side_name(report, at) + ": " : "") + exact_bytes(missing) + " of its " +
+              exact_bytes(row.bytes) + " stand in “" + others_name +
+              "”: they were put together with others to keep this page small.");
     });
   }
 
@@ -186,7 +240,9 @@ function make_flame_graph(report, groups, choice, changed) {
     }
     frame.data.all.forEach((/** @type {RunFigures} */ figures, /** @type {number} */ run) => {
       if (run > 0) sum_line.append("span").text(" → ");
-      sum_line.append("strong").attr("title", exact_bytes(figures.bytes)).text(figure_text(figures));
+      sum_line.append("strong")
+          .attr("title", exact_bytes(figures.bytes))
+          .text(figure_text(figures));
     });
     if (!compared) sum_line.append("span").text(", " + share_words(frame));
     sum_line.append("span").text(" " + measure_words(choice.measure));
@@ -194,16 +250,14 @@ function make_flame_graph(report, groups, choice, changed) {
     d3.select("#flame-back").property("disabled", focus === root);
   }
 
-  /** @param {RunFigures} figures @returns {string} */
-  function figure_text(figures) {
-    return human_bytes(figures.bytes) + " in " + in_blocks(figures.blocks);
-  }
-
-  /** The share of all of the measure, filtered out or not.
-   * @param {Frame} frame @returns {string} */
+  /**
+   * The share of all of the measure, filtered out or not.
+   * @param {Frame} frame @returns {string}
+   */
   function share_words(frame) {
     const total = run_total(report.runs[0], choice.measure);
-    return human_share(frame.data.all[0][choice.unit], total[choice.unit]) + " of all " + choice.unit;
+    return human_share(frame.data.all[0][choice.unit], total[choice.unit]) + " of all " +
+        choice.unit;
   }
 
   function search() {
@@ -215,18 +269,40 @@ function make_flame_graph(report, groups, choice, changed) {
       return;
     }
     const {matches, all} = search_frames(root, text);
-    const parts = all.map((sum, run) => figure_text(sum) + ", " + human_share(sum[choice.unit], root.data.all[run][choice.unit]) + " of what is shown");
-    found_line.text(counted(matches.size, "frame matches", "frames match") + ": " + parts.join(" → "));
+    const parts = all.map(
+        (sum, run) => figure_text(sum) + ", " +
+            human_share(sum[choice.unit], root.data.all[run][choice.unit]) + " of what is shown");
+    found_line.text(
+        counted(matches.size, "frame matches", "frames match") + ": " + parts.join(" → "));
     picture.mark(selected, matches);
     table.refresh();
+  }
+
+  /**
+   * The frames that are searched for; null when none are.
+   * @returns {Set<Frame> | null}
+   */
+  function matches() {
+    const text = view.search.trim();
+    return text === "" ? null : search_frames(root, text).matches;
   }
 
   /** @param {Frame} frame */
   function select(frame) {
     selected = frame;
     picture.bring_into_view(frame);
-    picture.mark(selected, view.search.trim() === "" ? null : search_frames(root, view.search.trim()).matches);
+    picture.mark(selected, matches());
     show_details();
+  }
+
+  function show_details() {
+    draw_frame_details(details, report, choice, selected, {inverted: view.inverted, go_to});
+  }
+
+  /** @param {Frame} frame */
+  function go_to(frame) {
+    zoom(frame);
+    select(frame);
   }
 
   /** @param {Frame} frame */
@@ -240,7 +316,9 @@ function make_flame_graph(report, groups, choice, changed) {
   /** @param {KeyboardEvent} event */
   function on_key(event) {
     const at = /** @type {any} */ (selected || focus);
-    const family = at.parent ? at.parent.children.filter((/** @type {Frame} */ frame) => frame.value > 0) : [at];
+    const family = at.parent ?
+        at.parent.children.filter((/** @type {Frame} */ frame) => frame.value > 0) :
+        [at];
     /** @type {Record<string, () => Frame | undefined>} */
     const moves = {
       ArrowUp: () => at.parent || undefined,
@@ -271,88 +349,14 @@ function make_flame_graph(report, groups, choice, changed) {
     const lines = [shortened(shown_name(frame.data.name), 300)];
     if (compared) {
       lines.push("before " + figure_text(all[0]), "after " + figure_text(all[1]));
-      lines.push(signed(all[1].bytes - all[0].bytes, human_bytes) + ", " + signed(all[1].blocks - all[0].blocks, in_blocks));
+      lines.push(
+          signed(all[1].bytes - all[0].bytes, human_bytes) + ", " +
+          signed(all[1].blocks - all[0].blocks, in_blocks));
     } else {
       lines.push(figure_text(all[0]) + ", " + share_words(frame));
       if (own[0].blocks > 0 && frame.children) lines.push("itself " + figure_text(own[0]));
     }
     return lines;
-  }
-
-  function show_details() {
-    details.text("");
-    const frame = selected;
-    if (!frame) {
-      details.append("p").attr("class", "note").text("Select a frame to see its figures here.");
-      return;
-    }
-    name_in(details.append("h3"), frame.data.name);
-    draw_frame_figures(frame);
-    draw_frame_path(frame);
-    const below = groups_below(frame);
-    draw_makers(below, "line", "Source lines that allocated here");
-    draw_makers(below, "id", "Allocation ids");
-  }
-
-  /** @param {Frame} frame */
-  function draw_frame_figures(frame) {
-    const rows = [{title: view.inverted ? "with callers" : "with callees", figures: frame.data.all}, {title: "itself", figures: frame.data.own}];
-    /** @type {Column[]} */
-    const columns = [{title: "", text: (row) => row.title}];
-    report.runs.forEach((_, run) => {
-      const side = side_name(report, run);
-      const of_side = side === "" ? "" : " " + side;
-      columns.push(
-        {title: "Bytes" + of_side, number: true, text: (row) => exact_bytes(row.figures[run].bytes)},
-        {title: "Blocks" + of_side, number: true, text: (row) => grouped(row.figures[run].blocks)},
-      );
-    });
-    if (compared) columns.push({title: "Change", number: true, text: (row) => signed(row.figures[1].bytes - row.figures[0].bytes, exact_bytes)});
-    else columns.push({title: "Share", number: true, text: (row) => human_share(row.figures[0][choice.unit], run_total(report.runs[0], choice.measure)[choice.unit])});
-    plain_table(details, "Figures of the frame", columns, rows);
-  }
-
-  /** @param {Frame} frame */
-  function draw_frame_path(frame) {
-    const line = ancestors_of(frame);
-    if (line.length < 2) return;
-    details.append("h4").text(view.inverted ? "Called from, innermost first" : "Path, outermost first");
-    const list = details.append("ol").attr("class", "path");
-    const shown = line.length > 40 ? line.slice(0, 10).concat(line.slice(-30)) : line;
-    shown.forEach((each, at) => {
-      if (line.length > 40 && at === 10) list.append("li").text("… " + grouped(line.length - 40) + " more …");
-      const item = list.append("li");
-      const to = button(item, "", () => {
-        zoom(each);
-        select(each);
-      });
-      name_in(to.attr("class", "link"), each.data.name);
-    });
-  }
-
-  /** The names of a key that made most in some groups.
-   * @param {Group[]} below @param {"line" | "id"} key @param {string} title */
-  function draw_makers(below, key, title) {
-    const measure = measure_place(choice.measure);
-    /** @type {Map<number, RunFigures[]>} */
-    const sums = new Map();
-    for (const group of below) {
-      const sum = sums.get(group[key]) || report.runs.map(() => ({bytes: 0, blocks: 0}));
-      sum[group.run].bytes += group.bytes[measure];
-      sum[group.run].blocks += group.blocks[measure];
-      sums.set(group[key], sum);
-    }
-    const largest = (/** @type {RunFigures[]} */ sum) => Math.max(...sum.map((each) => each[choice.unit]));
-    const rows = Array.from(sums).sort((a, b) => largest(b[1]) - largest(a[1]) || a[0] - b[0]);
-    if (rows.length === 0) return;
-    details.append("h4").text(title);
-    const list = details.append("ul").attr("class", "makers");
-    for (const [place, sum] of rows.slice(0, 5)) {
-      const item = list.append("li");
-      name_in(item, page.names[key][place]);
-      item.append("span").attr("class", "value").attr("title", sum.map((each) => exact_bytes(each.bytes)).join(" → ")).text(sum.map(figure_text).join(" → "));
-    }
-    if (rows.length > 5) list.append("li").attr("class", "note").text("and " + grouped(rows.length - 5) + " more");
   }
 
   function draw_legend() {
@@ -377,70 +381,5 @@ function make_flame_graph(report, groups, choice, changed) {
     });
   }
 
-  /** @param {D3Selection} place */
-  function fill_table(place) {
-    /** @type {any[]} */
-    const frames = [];
-    const wanted = view.search.trim() === "" ? null : search_frames(root, view.search.trim()).matches;
-    focus.each((/** @type {Frame} */ frame) => {
-      if (frame.value > 0 && (!wanted || wanted.has(frame))) frames.push(frame);
-    });
-    frames.sort((a, b) => b.value - a.value || a.depth - b.depth);
-    const shown = frames.slice(0, most_table_frames);
-    /** @type {Column[]} */
-    const columns = [{title: "Depth", number: true, text: (frame) => String(frame.depth)}];
-    report.runs.forEach((_, run) => {
-      const side = side_name(report, run) === "" ? "" : " " + side_name(report, run);
-      columns.push(
-        {title: "Bytes" + side, number: true, text: (frame) => grouped(frame.data.all[run].bytes)},
-        {title: "Blocks" + side, number: true, text: (frame) => grouped(frame.data.all[run].blocks)},
-        {title: "Itself" + side, number: true, text: (frame) => grouped(frame.data.own[run].bytes)},
-      );
-    });
-    columns.push({title: "Frame", text: (frame) => frame.data.name});
-    if (frames.length > shown.length) {
-      place.append("p").attr("class", "note").text("The " + grouped(shown.length) + " largest of " + grouped(frames.length) + " frames.");
-    }
-    plain_table(place, "Frames in the picture, with all that they called, largest first", columns, shown);
-  }
-
   return {rebuild, redraw: picture.draw};
-}
-
-/** @param {MeasureName} name @returns {string} "leaked", "live at the peak" */
-function measure_words(name) {
-  return {leaked: "leaked", peak: "live at the peak", live: "live at the end", allocated: "allocated", temporary: "temporary"}[name];
-}
-
-/** Innermost function first, as people read a call path.
- * @param {string[]} frames outermost first @returns {string} */
-function path_text(frames) {
-  return frames.length === 0 ? no_path_name : frames.slice().reverse().map(shown_name).join(" ← ");
-}
-
-/** The same of a long call path with its innermost functions and its outermost one.
- * @param {string[]} frames outermost first @returns {string} */
-function short_path(frames) {
-  if (frames.length < 7) return path_text(frames);
-  return path_text(frames.slice(-4)) + " ← … " + grouped(frames.length - 5) + " more … ← " + shown_name(frames[0]);
-}
-
-/** Whether a group belongs to a row of a table.
- * @param {Page} page @param {RowFilter | null} filter @returns {(group: Group) => boolean} */
-function filter_test(page, filter) {
-  if (!filter) return () => true;
-  const {key, name} = filter;
-  if (key === "path") {
-    const wanted = (filter.frames || []).join("\u0000");
-    /** @type {Map<number, boolean>} */
-    const known = new Map();
-    return (group) => {
-      if (!known.has(group.path)) known.set(group.path, path_frames(page, group.path).join("\u0000") === wanted);
-      return known.get(group.path) === true;
-    };
-  }
-  if (key === "function") {
-    return (group) => (group.path === 0 ? "(no function)" : page.names.function[page.paths[group.path][1]]) === name;
-  }
-  return (group) => page.names[key][group[key]] === name;
 }

@@ -1,26 +1,37 @@
 // From groups of blocks to the frames of a flame graph.
 
-/** A frame, with figures of one or two runs: `own` what was made in it, `all` with all that it called.
+/**
+ * A frame, with figures of one or two runs: `own` what was made in it, `all` with all that it
+ * called.
  * @typedef {{name: string, kind: "all" | "id" | "color" | "function", children: FrameNode[],
- *   own: RunFigures[], all: RunFigures[], groups: Group[]}} FrameNode */
+ *   own: RunFigures[], all: RunFigures[], groups: Group[]}} FrameNode
+ */
 /** @typedef {{bytes: number, blocks: number}} RunFigures */
 
-/** A frame with its place in the picture, both ends between 0 and 1.
+/**
+ * A frame with its place in the picture, both ends between 0 and 1.
  * @typedef {{data: FrameNode, depth: number, height: number, parent: Frame | null, x0: number,
- *   x1: number, children?: Frame[], value: number}} Frame */
+ *   x1: number, children?: Frame[], value: number}} Frame
+ */
 
-/** @typedef {{measure: number, ids: "none" | "id" | "color", inverted: boolean,
- *   accepts: (group: Group) => boolean}} FlameOptions */
+/**
+ * @typedef {{measure: number, ids: "none" | "id" | "color", inverted: boolean,
+ *   accepts: (group: Group) => boolean}} FlameOptions
+ */
 
-/** @param {string} name @param {FrameNode["kind"]} kind @param {number} runs @returns {FrameNode} */
+/**
+ * @param {string} name @param {FrameNode["kind"]} kind @param {number} runs @returns {FrameNode}
+ */
 function new_frame(name, kind, runs) {
   const none = () => Array.from({length: runs}, () => ({bytes: 0, blocks: 0}));
   return {name, kind, children: [], own: none(), all: none(), groups: []};
 }
 
-/** Finds the child of a frame, or makes it.
- * @param {Map<FrameNode, Map<string, FrameNode>>} index @param {FrameNode} parent @param {string} name
- * @param {FrameNode["kind"]} kind @returns {FrameNode} */
+/**
+ * Finds the child of a frame, or makes it.
+ * @param {Map<FrameNode, Map<string, FrameNode>>} index @param {FrameNode} parent
+ * @param {string} name @param {FrameNode["kind"]} kind @returns {FrameNode}
+ */
 function child_of(index, parent, name, kind) {
   let children = index.get(parent);
   if (!children) index.set(parent, (children = new Map()));
@@ -33,13 +44,18 @@ function child_of(index, parent, name, kind) {
   return child;
 }
 
-/** The tree of frames of the groups that are accepted and have a figure of the measure.
- * @param {Page} page @param {Group[]} groups @param {FlameOptions} options @returns {FrameNode} */
+/**
+ * The tree of frames of the groups that are accepted and have a figure of the measure.
+ * @param {Page} page @param {Group[]} groups @param {FlameOptions} options @returns {FrameNode}
+ */
 function frame_tree(page, groups, options) {
   const root = new_frame("All", "all", page.runs.length);
   /** @type {Map<FrameNode, Map<string, FrameNode>>} */
   const index = new Map();
-  /** Frames of paths below a frame, by the path's place. @type {Map<FrameNode, Map<number, FrameNode>>} */
+  /**
+   * Frames of paths below a frame, by the path's place. @type {Map<FrameNode, Map<number,
+   * FrameNode>>}
+   */
   const by_path = new Map();
 
   /** @param {FrameNode} top @param {number} path @returns {FrameNode} */
@@ -54,7 +70,7 @@ function frame_tree(page, groups, options) {
       at = page.paths[at][0];
     }
     for (const place of missing.reverse()) {
-      frame = child_of(index, frame, page.names.function[page.paths[place][1]], "function");
+      frame = child_of(index, frame, page.names.function [page.paths[place][1]], "function");
       known.set(place, frame);
     }
     return frame;
@@ -69,7 +85,8 @@ function frame_tree(page, groups, options) {
     if (group.path === 0) {
       frame = child_of(index, frame, no_path_name, "function");
     } else if (options.inverted) {
-      for (const name of path_frames(page, group.path).reverse()) frame = child_of(index, frame, name, "function");
+      for (const name of path_frames(page, group.path).reverse())
+        frame = child_of(index, frame, name, "function");
     } else {
       frame = frame_of_path(frame, group.path);
     }
@@ -80,36 +97,47 @@ function frame_tree(page, groups, options) {
   return root;
 }
 
-/** The colour's name without that of its id, which stands above it.
- * @param {Page} page @param {Group} group @returns {string} */
+/**
+ * The colour's name without that of its id, which stands above it.
+ * @param {Page} page @param {Group} group @returns {string}
+ */
 function color_part(page, group) {
   const name = page.names.color[group.color];
   const id = page.names.id[group.id] + " / ";
   return name.startsWith(id) ? name.slice(id.length) : name;
 }
 
-/** Places the frames of a tree: wide as the unit says, or the larger of two runs, widest first.
- * @param {FrameNode} tree @param {Unit} unit @returns {Frame} */
+/**
+ * Places the frames of a tree: wide as the unit says, or the larger of two runs, widest first.
+ * @param {FrameNode} tree @param {Unit} unit @returns {Frame}
+ */
 function lay_out(tree, unit) {
-  const root = d3.hierarchy(tree)
-    .eachAfter((/** @type {any} */ frame) => {
-      frame.data.all = frame.data.own.map((/** @type {RunFigures} */ own, /** @type {number} */ run) => {
-        const all = {bytes: own.bytes, blocks: own.blocks};
-        for (const child of frame.children || []) {
-          all.bytes += child.data.all[run].bytes;
-          all.blocks += child.data.all[run].blocks;
-        }
-        return all;
-      });
-    })
-    .sum((/** @type {FrameNode} */ frame) => Math.max(...frame.own.map((own) => own[unit])))
-    .sort((/** @type {Frame} */ a, /** @type {Frame} */ b) =>
-      b.value - a.value || (a.data.name < b.data.name ? -1 : a.data.name > b.data.name ? 1 : 0));
+  const root =
+      d3.hierarchy(tree)
+          .eachAfter((/** @type {any} */ frame) => {
+            frame.data.all =
+                frame.data.own.map((/** @type {RunFigures} */ own, /** @type {number} */ run) => {
+                  const all = {bytes: own.bytes, blocks: own.blocks};
+                  for (const child of frame.children || []) {
+                    all.bytes += child.data.all[run].bytes;
+                    all.blocks += child.data.all[run].blocks;
+                  }
+                  return all;
+                });
+          })
+          .sum((/** @type {FrameNode} */ frame) => Math.max(...frame.own.map((own) => own[unit])))
+          .sort(
+              (/** @type {Frame} */ a, /** @type {Frame} */ b) => b.value - a.value ||
+                  (a.data.name < b.data.name     ? -1 :
+                       a.data.name > b.data.name ? 1 :
+                                                   0));
   return d3.partition()(root);
 }
 
-/** Frames by their depth, from left to right.
- * @param {Frame} root @returns {Frame[][]} */
+/**
+ * Frames by their depth, from left to right.
+ * @param {Frame} root @returns {Frame[][]}
+ */
 function frame_rows(root) {
   /** @type {Frame[][]} */
   const rows = [];
@@ -119,16 +147,20 @@ function frame_rows(root) {
   return rows;
 }
 
-/** The frames from the outermost on down to this one, "All" left out.
- * @param {Frame} frame @returns {Frame[]} */
+/**
+ * The frames from the outermost on down to this one, "All" left out.
+ * @param {Frame} frame @returns {Frame[]}
+ */
 function ancestors_of(frame) {
   const line = [];
   for (let at = /** @type {Frame | null} */ (frame); at && at.parent; at = at.parent) line.push(at);
   return line.reverse();
 }
 
-/** Groups of blocks made in a frame and in all that it called.
- * @param {Frame} frame @returns {Group[]} */
+/**
+ * Groups of blocks made in a frame and in all that it called.
+ * @param {Frame} frame @returns {Group[]}
+ */
 function groups_below(frame) {
   /** @type {Group[]} */
   const groups = [];
@@ -136,8 +168,11 @@ function groups_below(frame) {
   return groups;
 }
 
-/** Matching frames, and what they hold together: a match within a match counts once.
- * @param {Frame} root @param {string} text in any case @returns {{matches: Set<Frame>, all: RunFigures[]}} */
+/**
+ * Matching frames, and what they hold together: a match within a match counts once.
+ * @param {Frame} root @param {string} text in any case
+ * @returns {{matches: Set<Frame>, all: RunFigures[]}}
+ */
 function search_frames(root, text) {
   const wanted = text.toLowerCase();
   /** @type {Set<Frame>} */
@@ -147,7 +182,8 @@ function search_frames(root, text) {
   const all = root.data.own.map(() => ({bytes: 0, blocks: 0}));
   /** @type {any} */ (root).eachBefore((/** @type {Frame} */ frame) => {
     const inside = frame.parent !== null && within.has(frame.parent);
-    const hit = frame.parent !== null && frame.value > 0 && frame.data.name.toLowerCase().includes(wanted);
+    const hit =
+        frame.parent !== null && frame.value > 0 && frame.data.name.toLowerCase().includes(wanted);
     if (hit) matches.add(frame);
     if (hit || inside) within.add(frame);
     if (hit && !inside) {

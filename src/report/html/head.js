@@ -10,18 +10,25 @@ function draw_head(report) {
     name_in(title, run.run);
   });
   draw_completeness(head, report);
-  if (report.runs.length === 1) draw_sums(head, report.runs[0]);
-  else draw_changes(head, report);
+  draw_filter(head, report.runs[0]);
+  if (report.runs.length === 1)
+    draw_sums(head, report.runs[0]);
+  else
+    draw_changes(head, report);
   for (let at = 0; at < report.runs.length; ++at) draw_circumstances(head, report, at);
   draw_left_out(head, report.page);
 }
 
-/** Says aloud what is missing; a run that is complete says so quietly.
- * @param {D3Selection} head @param {Report} report */
+/**
+ * Says aloud what is missing; a run that is complete says so quietly.
+ * @param {D3Selection} head @param {Report} report
+ */
 function draw_completeness(head, report) {
-  const is_complete = (/** @type {Run} */ run) => run.traces.length > 0 && run.traces.every((trace) => trace.complete);
+  const is_complete = (/** @type {Run} */ run) =>
+      run.traces.length > 0 && run.traces.every((trace) => trace.complete);
   if (report.runs.every(is_complete)) {
-    const words = report.runs.length === 1 ? "This run is complete: nothing of it was lost." : "Both runs are complete: nothing of them was lost.";
+    const words = report.runs.length === 1 ? "This run is complete: nothing of it was lost." :
+                                             "Both runs are complete: nothing of them was lost.";
     head.append("p").attr("class", "complete").text(words);
     return;
   }
@@ -33,7 +40,8 @@ function draw_completeness(head, report) {
       return;
     }
     const alarm = head.append("div").attr("class", "alarm").attr("role", "alert");
-    alarm.append("p").append("strong").text(of_run + " is not known to be complete: its figures may be wrong.");
+    alarm.append("p").append("strong").text(
+        of_run + " is not known to be complete: its figures may be wrong.");
     const losses = losses_in_words(run);
     draw_list(alarm, losses.slice(0, 12));
     if (losses.length <= 12) return;
@@ -54,11 +62,34 @@ function losses_in_words(run) {
   if (run.traces.length === 0) return ["It has no trace."];
   return run.traces.flatMap((trace) => {
     const name = run.traces.length > 1 ? trace_name(trace) + ": " : "";
-    const lines = trace.losses.map((loss) => loss.what + ": " + grouped(loss.count) + (loss.first ? ", first " + loss.first : ""));
-    if (trace.from_rows) lines.unshift("computed from CSV tables: what the trace lost is not known");
+    const lines = trace.losses.map(
+        (loss) =>
+            loss.what + ": " + grouped(loss.count) + (loss.first ? ", first " + loss.first : ""));
+    if (trace.from_rows)
+      lines.unshift("computed from CSV tables: what the trace lost is not known");
     if (lines.length === 0 && !trace.complete) lines.push("not complete");
     return lines.map((line) => name + line);
   });
+}
+
+/**
+ * Says what the figures leave out by intention.
+ * @param {D3Selection} head @param {Run} run
+ */
+function draw_filter(head, run) {
+  if (!run.filter) return;
+  const {focus, ignore, process} = run.filter;
+  const box = head.append("div").attr("class", "filtered");
+  const line = box.append("p");
+  line.append("strong").text("Filtered: only blocks that the filter leaves are counted");
+  const parts =
+      [["with a name like", focus], ["without a name like", ignore], ["of the process", process]];
+  for (const [words, value] of parts) {
+    if (value === undefined) continue;
+    line.append("span").text(", " + words + " ");
+    name_in(line, String(value));
+  }
+  box.append("p").text("Memory over time, markers, sizes and lifetimes are those of all blocks.");
 }
 
 /** @param {D3Selection} head @param {Run} run */
@@ -66,16 +97,25 @@ function draw_sums(head, run) {
   const sums = head.append("dl").attr("class", "sums");
   for (const measure of measures) {
     const amount = run_total(run, measure.name);
-    const card = sums.append("div").attr("class", "sum of-" + measure.name).attr("title", measure.meaning);
+    const card =
+        sums.append("div").attr("class", "sum of-" + measure.name).attr("title", measure.meaning);
     card.append("dt").text(measure.title);
-    card.append("dd").attr("class", "large").attr("id", "sum-" + measure.name)
-      .attr("title", exact_bytes(amount.bytes)).text(human_bytes(amount.bytes));
-    card.append("dd").attr("class", "small").attr("title", exact_bytes(amount.tot_bytes) + " with rounding")
-      .text(in_blocks(amount.blocks));
+    card.append("dd")
+        .attr("class", "large")
+        .attr("id", "sum-" + measure.name)
+        .attr("title", exact_bytes(amount.bytes))
+        .text(human_bytes(amount.bytes));
+    card.append("dd")
+        .attr("class", "small")
+        .attr("title", exact_bytes(amount.tot_bytes) + " with rounding")
+        .text(in_blocks(amount.blocks));
   }
   if (run.traces.length > 1) {
-    head.append("p").attr("class", "note")
-      .text("Sums of " + grouped(run.traces.length) + " traces; each counts with its own peak, which need not be at one time.");
+    head.append("p")
+        .attr("class", "note")
+        .text(
+            "Sums of " + grouped(run.traces.length) +
+            " traces; each counts with its own peak, which need not be at one time.");
   }
 }
 
@@ -86,28 +126,41 @@ function draw_changes(head, report) {
     return {measure, before, after};
   });
   const columns = [
-    {title: "", text: () => "", fill: (/** @type {D3Selection} */ cell, /** @type {any} */ row) => {
-      cell.attr("class", "measure of-" + row.measure.name).attr("title", row.measure.meaning).text(row.measure.title);
-    }},
+    {
+      title: "",
+      text: () => "",
+      fill: (/** @type {D3Selection} */ cell, /** @type {any} */ row) => {
+        cell.attr("class", "measure of-" + row.measure.name)
+            .attr("title", row.measure.meaning)
+            .text(row.measure.title);
+      }
+    },
     ...change_columns("bytes", (row, run) => (run === 0 ? row.before : row.after)),
   ];
   plain_table(head, "Sums before and after", columns, rows).attr("class", "changes");
 }
 
-/** Who, when and how much, for each trace of a run.
- * @param {D3Selection} head @param {Report} report @param {number} at */
+/**
+ * Who, when and how much, for each trace of a run.
+ * @param {D3Selection} head @param {Report} report @param {number} at
+ */
 function draw_circumstances(head, report, at) {
   const run = report.runs[at];
   const side = side_name(report, at);
   if (side !== "") {
-    const title = head.append("h2").attr("class", "minor").text(side === "before" ? "Before: " : "After: ");
+    const title =
+        head.append("h2").attr("class", "minor").text(side === "before" ? "Before: " : "After: ");
     name_in(title, run.run);
   }
-  if (run.traces.length === 1) draw_facts(head, run.traces[0]);
-  else if (run.traces.length > 1) draw_traces(head, run);
+  if (run.traces.length === 1)
+    draw_facts(head, run.traces[0]);
+  else if (run.traces.length > 1)
+    draw_traces(head, run);
   for (const trace of run.traces) {
     for (const note of trace.notes) {
-      head.append("p").attr("class", "note").text((run.traces.length > 1 ? trace_name(trace) + ": " : "") + note);
+      head.append("p")
+          .attr("class", "note")
+          .text((run.traces.length > 1 ? trace_name(trace) + ": " : "") + note);
     }
   }
 }
@@ -116,7 +169,7 @@ function draw_circumstances(head, report, at) {
 function owner_of(trace) {
   const account = trace.user !== "" && trace.user !== trace.account ? " (" + trace.user + ")" : "";
   return (trace.account || "unknown account") + account + " on " + (trace.host || "unknown host") +
-    (trace.environment === "" ? "" : ", " + trace.environment);
+      (trace.environment === "" ? "" : ", " + trace.environment);
 }
 
 /** @param {Trace} trace @returns {string} */
@@ -133,9 +186,20 @@ function draw_facts(head, trace) {
     ["Who", owner_of(trace)],
     ["When", trace.start + " to " + trace.end],
     ["Lasted", duration_of(trace)],
-    ["Recorded", grouped(trace.records) + " memory records, " + counted(trace.processes, "process", "processes") + ", " + counted(trace.ids, "allocation id", "allocation ids")],
-    ["Heap", human_bytes(trace.heap_bytes) + " grown, " + human_bytes(trace.gap_bytes) + " of gaps"],
-    ["Peak", trace.peak.record === 0 ? "nothing was ever live" : "at record " + grouped(trace.peak.record) + ", " + trace.peak.time],
+    [
+      "Recorded",
+      grouped(trace.records) + " memory records, " +
+          counted(trace.processes, "process", "processes") + ", " +
+          counted(trace.ids, "allocation id", "allocation ids")
+    ],
+    [
+      "Heap", human_bytes(trace.heap_bytes) + " grown, " + human_bytes(trace.gap_bytes) + " of gaps"
+    ],
+    [
+      "Peak",
+      trace.peak.record === 0 ? "nothing was ever live" :
+                                "at record " + grouped(trace.peak.record) + ", " + trace.peak.time
+    ],
     ["Described", trace.description],
   ];
   const list = head.append("dl").attr("class", "facts");
@@ -161,12 +225,14 @@ function draw_traces(head, run) {
     {title: "Start", text: (trace) => trace.start},
     {title: "Lasted", number: true, text: duration_of},
     {title: "Complete", text: (trace) => (trace.complete ? "yes" : "no")},
-    ...measures.map((measure) => ({
-      title: measure.title,
-      number: true,
-      text: (/** @type {Trace} */ trace) => human_bytes(trace[measure.name].bytes),
-      exact: (/** @type {Trace} */ trace) => exact_bytes(trace[measure.name].bytes) + ", " + in_blocks(trace[measure.name].blocks),
-    })),
+    ...measures.map(
+        (measure) => ({
+          title: measure.title,
+          number: true,
+          text: (/** @type {Trace} */ trace) => human_bytes(trace[measure.name].bytes),
+          exact: (/** @type {Trace} */ trace) =>
+              exact_bytes(trace[measure.name].bytes) + ", " + in_blocks(trace[measure.name].blocks),
+        })),
   ];
   plain_table(head, "Traces of this run", columns, run.traces).attr("class", "traces");
 }

@@ -1,7 +1,9 @@
 // Draws the page, and draws anew what a switch, the window's width or the wish for dark changes.
 
-/** The measure that is shown first: the leak, if there is one, else what made the peak.
- * @param {Report} report @returns {MeasureName} */
+/**
+ * The measure that is shown first: the leak, if there is one, else what made the peak.
+ * @param {Report} report @returns {MeasureName}
+ */
 function first_measure(report) {
   return report.runs.some((run) => run_total(run, "leaked").bytes > 0) ? "leaked" : "peak";
 }
@@ -10,15 +12,20 @@ function first_measure(report) {
 function draw_measures(choice, changed) {
   const place = d3.select("#measures");
   radio_group(place, {
-    legend: "Measure", name: "measure", value: choice.measure,
-    options: measures.map((measure) => ({value: measure.name, text: measure.title, title: measure.meaning})),
+    legend: "Measure",
+    name: "measure",
+    value: choice.measure,
+    options: measures.map(
+        (measure) => ({value: measure.name, text: measure.title, title: measure.meaning})),
     change: (value) => {
       choice.measure = value;
       changed();
     },
   });
   radio_group(place, {
-    legend: "In", name: "unit", value: choice.unit,
+    legend: "In",
+    name: "unit",
+    value: choice.unit,
     options: [{value: "bytes", text: "Bytes"}, {value: "blocks", text: "Blocks"}],
     change: (value) => {
       choice.unit = value;
@@ -55,7 +62,9 @@ function start() {
   const distributions = make_distributions(report, ranks, choice);
   document.documentElement.dataset.measure = choice.measure;
   flame.rebuild();
-  d3.select("#foot").append("p").text("Written by kivdb " + report.page.version + ". Pointing at a figure shows it in full. Pictures drawn with d3.");
+  d3.select("#foot").append("p").text(
+      "Written by kivdb " + report.page.version +
+      ". Pointing at a figure shows it in full. Pictures drawn with d3.");
 
   const redraw = () => {
     if (timeline) timeline.redraw();

@@ -1,7 +1,9 @@
 // Colours, which the style sheet names for the light and the dark page.
 
-/** The colour behind a custom property of the style sheet.
- * @param {string} name such as "--ink" @returns {string} */
+/**
+ * The colour behind a custom property of the style sheet.
+ * @param {string} name such as "--ink" @returns {string}
+ */
 function themed(name) {
   return getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 }
@@ -9,8 +11,10 @@ function themed(name) {
 const id_colors = 8;
 const object_colors = 7;
 
-/** Gives ids their places among the colours: those that held most at once come first.
- * @param {Page} page @returns {Map<number, number>} from an id's place to a colour's */
+/**
+ * Gives ids their places among the colours: those that held most at once come first.
+ * @param {Page} page @returns {Map<number, number>} from an id's place to a colour's
+ */
 function rank_ids(page) {
   /** @type {Map<number, number>} */
   const highest = new Map();
@@ -26,15 +30,19 @@ function rank_ids(page) {
   return new Map(order.slice(0, id_colors).map((id, rank) => [id, rank]));
 }
 
-/** The custom property of an id's colour.
- * @param {Map<number, number>} ranks @param {number} id -1 for the rest @returns {string} */
+/**
+ * The custom property of an id's colour.
+ * @param {Map<number, number>} ranks @param {number} id -1 for the rest @returns {string}
+ */
 function id_color(ranks, id) {
   const rank = ranks.get(id);
   return rank === undefined ? "--id-rest" : "--id-" + rank;
 }
 
-/** Gives objects their places among the colours: those with most functions come first.
- * @param {string[]} functions @returns {Map<string, number>} */
+/**
+ * Gives objects their places among the colours: those with most functions come first.
+ * @param {string[]} functions @returns {Map<string, number>}
+ */
 function rank_objects(functions) {
   /** @type {Map<string, number>} */
   const counts = new Map();
