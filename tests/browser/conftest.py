@@ -18,10 +18,10 @@ def written(sources, tmp_path_factory):
     """Pages, each written once: `written("MIX", "NEXT")`."""
     folder = tmp_path_factory.mktemp("pages")
 
-    def write(*runs):
-        path = folder / ("-".join(runs) + ".html")
+    def write(*runs, options=()):
+        path = folder / ("-".join((*runs, *options)) + ".html")
         if not path.exists():
-            subprocess.run([page.KIVDB, "html", *(sources[run] for run in runs), "-o", path], check=True)
+            subprocess.run([page.KIVDB, "html", *options, *(sources[run] for run in runs), "-o", path], check=True)
         return path
 
     return write
@@ -49,7 +49,7 @@ def browser():
 
 @pytest.fixture
 def open_page(browser, written):
-    def open_it(*runs, **how):
-        return page.Page(browser, written(*runs), **how)
+    def open_it(*runs, options=(), **how):
+        return page.Page(browser, written(*runs, options=options), **how)
 
     return open_it

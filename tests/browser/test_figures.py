@@ -100,12 +100,30 @@ def test_what_was_put_together_is_said(open_page):
     assert missing > 0 and missing + page.flame_bytes()[0] == row
 
 
+def test_a_filter_is_said_and_leaves_the_timeline_whole(open_page, reported):
+    page = open_page("SQL1", options=("--focus", "Vdbe"))
+    left = reported("SQL1", "--focus", "Vdbe")
+    assert "Vdbe" in page.text(".filtered")
+    for of in MEASURES:
+        page.choose("measure", of)
+        assert page.exact(f"#sum-{of}") == page.flame_bytes() == [total(left, of)["bytes"]]
+    peak = total(reported("SQL1"), "peak")["bytes"]
+    assert peak > total(left, "peak")["bytes"]
+    assert max(number(row[3]) for row in page.behind("#timeline-table")) == peak
+    assert page.text("#timeline .peak text") == f"peak {peak / 1024:.1f} KiB"
+    assert open_page("SQL1").all(".filtered") == []
+
+
 def test_several_traces_stand_together_and_one_by_one(open_page, reported):
     page = open_page("SEVERAL")
     traces = reported("SEVERAL")["traces"]
     together = page.behind("#timeline-table")
     assert number(together[-1][2]) == sum(trace["live"]["bytes"] for trace in traces)
     assert number(together[-1][0]) == sum(trace["records"] for trace in traces)
+    levels = {(number(row[0]), number(row[2])) for row in together}
+    # One after the other at each time: the sum goes up by a block of one trace, or down by one.
+    assert len(levels) > sum(trace["records"] for trace in traces) * 0.9
+    assert [row[1] for row in together] == sorted(row[1] for row in together)
     for trace in traces:
         page.select("#timeline-trace", f"{trace['program']} ({trace['pid']})")
         assert number(page.table("#timeline-table")[-1][2]) == trace["live"]["bytes"]

@@ -60,7 +60,15 @@ def test_shows_its_first_picture_within_a_second(open_page, run):
     def seconds():
         page = open_page(run)
         assert page.all("#timeline .layer") and page.all("#flame canvas")
-        return page.run("return performance.getEntriesByName('first-contentful-paint')[0].startTime") / 1000
+        painted = page.browser.execute_async_script("""
+            const done = arguments[0];
+            new PerformanceObserver((seen) => {
+              const paint = seen.getEntriesByName('first-contentful-paint')[0];
+              if (paint) done(paint.startTime);
+            }).observe({type: 'paint', buffered: true});""")
+        # The script has drawn before the page is painted for the first time.
+        drawn = page.run("return performance.getEntriesByType('navigation')[0].domContentLoadedEventEnd")
+        return max(painted, drawn) / 1000
 
     assert min(seconds() for _ in range(3)) < 1
 

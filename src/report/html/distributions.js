@@ -247,35 +247,44 @@ function make_distributions(report, ranks, choice) {
       });
     }
     shown.push({name: "Total", amounts: lists.map((list) => list.total)});
-    const largest = Math.max(1, ...shown.slice(0, -1).flatMap((row) => row.amounts.map(cost)));
-    /** @type {Column[]} */
-    const columns = [];
-    lists.forEach((_, run) => {
-      const side = side_name(report, run) === "" ? "" : " " + side_name(report, run);
-      columns.push(
-          {
-            title: "Asked for" + side,
-            number: true,
-            text: (row) => human_bytes(row.amounts[run].bytes),
-            exact: (row) => exact_bytes(row.amounts[run].bytes)
-          },
-          {
-            title: "Rounding" + side,
-            number: true,
-            text: (row) => human_bytes(cost(row.amounts[run])),
-            exact: (row) => exact_bytes(cost(row.amounts[run])),
-            share: (row) => (row.name === "Total" ? 0 : cost(row.amounts[run]) / largest)
-          },
-          {
-            title: "Adds" + side,
-            number: true,
-            text: (row) => human_share(cost(row.amounts[run]), row.amounts[run].bytes)
-          },
-      );
-    });
-    columns.push({title: "Allocation id", text: (row) => row.name});
-    plain_table(rounding, "Rounding by allocation id", columns, shown)
+    plain_table(rounding, "Rounding by allocation id", rounding_columns(shown, cost), shown)
         .attr("class", "list rounding");
+  }
+
+  /**
+   * @param {{name: string, amounts: Amount[]}[]} rows the total last
+   * @param {(amount: Amount) => number} cost @returns {Column[]}
+   */
+  function rounding_columns(rows, cost) {
+    const name = {title: "Allocation id", text: (/** @type {any} */ row) => row.name};
+    if (compared) {
+      const costs = (/** @type {any} */ row, /** @type {number} */ run) =>
+          ({blocks: 0, tot_bytes: 0, bytes: cost(row.amounts[run])});
+      return change_columns("bytes", costs).concat(name);
+    }
+    const total = rows[rows.length - 1];
+    const largest = Math.max(1, ...rows.slice(0, -1).map((row) => cost(row.amounts[0])));
+    return [
+      {
+        title: "Asked for",
+        number: true,
+        text: (row) => human_bytes(row.amounts[0].bytes),
+        exact: (row) => exact_bytes(row.amounts[0].bytes)
+      },
+      {
+        title: "Rounding",
+        number: true,
+        text: (row) => human_bytes(cost(row.amounts[0])),
+        exact: (row) => exact_bytes(cost(row.amounts[0])),
+        share: (row) => (row === total ? 0 : cost(row.amounts[0]) / largest)
+      },
+      {
+        title: "Adds",
+        number: true,
+        text: (row) => human_share(cost(row.amounts[0]), row.amounts[0].bytes)
+      },
+      name,
+    ];
   }
 
   draw();

@@ -88,6 +88,11 @@ function draw_timeline(report, ranks) {
                    .attr("id", "timeline-back")
                    .property("disabled", true);
 
+  const summed_note =
+      section.append("p")
+          .attr("class", "note")
+          .text(
+              "Sums of what each trace held at the ends of its steps; between these it may have been more.");
   const pictures = section.append("div").attr("class", "pictures");
   const said = section.append("p").attr("class", "range").attr("id", "timeline-range");
   const announced = section.append("p")
@@ -146,6 +151,7 @@ function draw_timeline(report, ranks) {
 
   function draw() {
     pictures.text("");
+    summed_note.attr("hidden", view.shown < 0 ? null : "");
     const range = view.range || whole();
     const highest = 1.06 * highest_of_all(view.heap) || 1;
     series.forEach((one, at) => {
@@ -307,9 +313,9 @@ function draw_timeline(report, ranks) {
     const from = step_at(one, range[0]);
     const to = step_at(one, range[1]);
     let best = from;
-    const level = (/** @type {Step} */ step) => step.highest ?? step.last;
-    for (let at = from; at <= to; ++at)
-      if (level(one.steps[at]) > level(one.steps[best])) best = at;
+    for (let at = from; at <= to; ++at) {
+      if (one.steps[at].highest > one.steps[best].highest) best = at;
+    }
     return best;
   }
 

@@ -2,7 +2,7 @@
 
 /**
  * Live memory at the end of a step; `at` is its place on the axis.
- * @typedef {{at: number, record: number, time: string, last: number, highest: number | null,
+ * @typedef {{at: number, record: number, time: string, last: number, highest: number,
  *   heap: number, levels: number[]}} Step
  */
 
@@ -76,7 +76,7 @@ function trace_series(trace, drawn, axis) {
                                 }));
   // The figures of a report that is filtered leave some of the peak out; the picture shows all.
   const reached = steps.find((step) => step.record >= trace.peak.record);
-  const peak = trace.peak.record === 0 || !reached || reached.highest === null ? null : {
+  const peak = trace.peak.record === 0 || !reached ? null : {
     at: place_on(axis, trace, trace.peak.record, trace.peak.time),
     bytes: reached.highest,
   };
@@ -90,93 +90,122 @@ function trace_series(trace, drawn, axis) {
   };
 }
 
-const summed_steps = 1000;
+const most_summed_steps = 2000;
 
 /**
- * All traces of a run together, by the time of their steps. What a trace holds counts from its
- * first step to the end of its program; "records" counts the memory records of all of them.
+ * All traces of a run together, in the order of their steps' times; of those at one time, trace by
+ * trace. What a trace holds counts from its first step to the end of its program; "records" counts
+ * the memory records of all of them.
  * @param {Run} run @param {PageRun} drawn @param {Axis} axis @returns {Series}
  */
 function summed_series(run, drawn, axis) {
   const all = run.traces.map((trace, at) => trace_series(trace, drawn.traces[at], "time"));
-  const start = d3.min(all, (/** @type {Series} */ series) => series.steps[0].at);
-  const ends =
-      run.traces.map((trace, at) => Math.max(all[at].end, milliseconds_of(trace.end) || 0));
-
-  /** @type {Map<number, number>} */
-  const highest = new Map();
-  for (const series of all) {
-    series.ids.forEach((id, at) => {
-      if (id >= 0)
-        highest.set(
-            id,
-            Math.max(
-                highest.get(id) || 0,
-                d3.max(series.steps, (/** @type {Step} */ step) => step.levels[at])));
-    });
-  }
-  const ids = Array.from(highest.keys())
-                  .sort((a, b) => (highest.get(b) || 0) - (highest.get(a) || 0) || a - b)
-                  .slice(0, id_colors);
-
-  // The moments at which anything is known, thinned to what can be drawn.
-  let moments = Array
-                    .from(new Set(all.flatMap(
-                        (series, at) => series.steps.map((step) => step.at).concat(ends[at]))))
-                    .sort((a, b) => a - b);
-  if (moments.length > summed_steps) {
-    const each = moments.length / summed_steps;
-    moments = d3.range(summed_steps)
-                  .map((/** @type {number} */ i) => moments[Math.ceil((i + 1) * each) - 1]);
-  }
-  const reached = all.map(() => 0);
-  const steps = moments.map((moment) => {
-    /** @type {Step} */
-    const step = {
-      at: 0,
-      record: 0,
-      time: time_text(moment),
-      last: 0,
-      highest: null,
-      heap: 0,
-      levels: ids.map(() => 0).concat(0)
-    };
-    all.forEach((series, at) => {
-      while (reached[at] + 1 < series.steps.length && series.steps[reached[at] + 1].at <= moment)
-        ++reached[at];
-      const here = series.steps[reached[at]];
-      if (here.at <= moment) step.record += here.record;
-      if (here.at > moment || moment > ends[at]) return;
-      step.last += here.last;
-      step.heap += here.heap;
-      series.ids.forEach((id, place) => {
-        const found = id < 0 ? -1 : ids.indexOf(id);
-        step.levels[found < 0 ? ids.length : found] += here.levels[place];
-      });
-    });
-    step.at = axis === "records" ? step.record : axis === "since" ? moment - start : moment;
-    return step;
-  });
+  const ids = highest_ids(all);
+  const steps = sum_steps(all, ids, all.map((series, at) => end_of(run.traces[at], series)));
+  const start = steps[0].at;
+  const times = steps.map((step) => step.at);
   const ticks = all.flatMap((series) => series.ticks.map((tick) => {
-    const step = steps[Math.max(0, d3.bisectRight(moments, tick.at) - 1)];
-    return {
-      ...tick,
-      at: axis === "records" ? step.at :
-          axis === "since"   ? tick.at - start :
-                               tick.at,
-      record: null,
-      trace: series.title
-    };
+    const step = steps[Math.max(0, d3.bisectRight(times, tick.at) - 1)];
+    const at = axis === "records" ? step.record : axis === "since" ? tick.at - start : tick.at;
+    return {...tick, at, record: null, trace: series.title};
   }));
   ticks.sort((a, b) => a.at - b.at);
-  return {
-    title: "All traces together",
-    ids: ids.concat(-1),
-    steps,
-    ticks,
-    peak: null,
-    end: steps[steps.length - 1].at
+  for (const step of steps) {
+    step.at = axis === "records" ? step.record : axis === "since" ? step.at - start : step.at;
+  }
+  const end = steps[steps.length - 1].at;
+  return {title: "All traces together", ids: ids.concat(-1), steps, ticks, peak: null, end};
+}
+
+/**
+ * When the program ended, but not before the last step.
+ * @param {Trace} trace @param {Series} series @returns {number}
+ */
+function end_of(trace, series) {
+  return Math.max(series.end, milliseconds_of(trace.end) || 0);
+}
+
+/**
+ * The ids that held most in one of the series.
+ * @param {Series[]} all @returns {number[]}
+ */
+function highest_ids(all) {
+  /** @type {Map<number, number>} */
+  const highest = new Map();
+  for (const {ids, steps} of all) {
+    ids.forEach((id, at) => {
+      if (id < 0) return;
+      const most = d3.max(steps, (/** @type {Step} */ step) => step.levels[at]);
+      highest.set(id, Math.max(highest.get(id) || 0, most));
+    });
+  }
+  const level = (/** @type {number} */ id) => highest.get(id) || 0;
+  return Array.from(highest.keys())
+      .sort((a, b) => level(b) - level(a) || a - b)
+      .slice(0, id_colors);
+}
+
+/**
+ * Steps of all series, each with the sum of what every series has reached by then. When they are too
+ * many, neighbours become one, which has the highest of them.
+ * @param {Series[]} all by time @param {number[]} ids @param {number[]} ends of the programs
+ * @returns {Step[]}
+ */
+function sum_steps(all, ids, ends) {
+  /** @type {{at: number, series: number, step: Step | null}[]} */
+  const moments = all.flatMap((each, series) => {
+    const known =
+        each.steps.map((step) => ({at: step.at, series, step: /** @type {Step?} */ (step)}));
+    return known.concat({at: ends[series], series, step: null});
+  });
+  const last = Math.max(...ends);
+  moments.sort((a, b) => a.at - b.at || a.series - b.series);
+
+  const each = Math.ceil(moments.length / most_summed_steps);
+  const reached =
+      all.map(() => ({record: 0, last: 0, heap: 0, levels: ids.map(() => 0).concat(0)}));
+  const sum = {record: 0, last: 0, heap: 0, levels: ids.map(() => 0).concat(0)};
+  /** @param {typeof sum} part @param {number} sign */
+  const add = (part, sign) => {
+    sum.record += sign * part.record;
+    sum.last += sign * part.last;
+    sum.heap += sign * part.heap;
+    part.levels.forEach((level, at) => {
+      sum.levels[at] += sign * level;
+    });
   };
+  /** @type {Step[]} */
+  const steps = [];
+  let highest = 0;
+  moments.forEach(({at, series, step}, place) => {
+    const before = reached[series];
+    if (step) {
+      reached[series] = {...step, levels: in_order_of(ids, all[series].ids, step.levels)};
+    } else if (at < last) {
+      const nothing = {last: 0, heap: 0, levels: sum.levels.map(() => 0)};
+      reached[series] = {record: before.record, ...nothing};
+    }
+    add(before, -1);
+    add(reached[series], 1);
+    highest = Math.max(highest, sum.last);
+    if ((place + 1) % each !== 0 && place + 1 < moments.length) return;
+    steps.push({...sum, at, time: time_text(at), highest, levels: sum.levels.slice()});
+    highest = 0;
+  });
+  return steps;
+}
+
+/**
+ * Levels in the order of other ids; what these lack is added to the last level, that of all others.
+ * @param {number[]} wanted @param {number[]} ids @param {number[]} levels @returns {number[]}
+ */
+function in_order_of(wanted, ids, levels) {
+  const sums = wanted.map(() => 0).concat(0);
+  ids.forEach((id, at) => {
+    const place = id < 0 ? -1 : wanted.indexOf(id);
+    sums[place < 0 ? wanted.length : place] += levels[at];
+  });
+  return sums;
 }
 
 /** @param {number} moment milliseconds @returns {string} */

@@ -23,7 +23,7 @@ function draw_readout(place, page, ranks, one, step, why) {
   const here = one.steps[step];
   const resting = why !== "pointed";
   const line = place.append("p").attr("class", "where");
-  const higher = here.highest !== null && here.highest > here.last ? here.highest : null;
+  const higher = here.highest > here.last ? here.highest : null;
   const shown = resting && higher !== null ? higher : here.last;
   line.append("span").text(
       why === "highest" ? "Highest: " :
@@ -85,9 +85,8 @@ function step_table(place, page, one, range, side) {
     {title: "Record", number: true, text: (step) => grouped(step.record)},
     {title: "Time", number: true, text: (step) => step.time},
     {title: "Live", number: true, text: (step) => grouped(step.last)},
+    {title: "Highest", number: true, text: (step) => grouped(step.highest)},
   ];
-  if (steps.every((step) => step.highest !== null))
-    columns.push({title: "Highest", number: true, text: (step) => grouped(step.highest)});
   columns.push({title: "Heap", number: true, text: (step) => grouped(step.heap)});
   one.ids.forEach((id, layer) => {
     columns.push({

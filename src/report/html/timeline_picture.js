@@ -91,7 +91,7 @@ function draw_lines({one, inner, x, y}, heap) {
           .curve(d3.curveStepAfter)
           .x((/** @type {Step} */ step) => x(step.at))
           .y((/** @type {Step} */ step) => y(value(step)))(one.steps);
-  if (one.steps.some((step) => step.highest !== null && step.highest > step.last)) {
+  if (one.steps.some((step) => step.highest > step.last)) {
     // The highest of a step lies within it, that is before its end.
     const highest = d3.line()
                         .curve(d3.curveStepBefore)
