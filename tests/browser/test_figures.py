@@ -1,8 +1,11 @@
 """What the page shows are the figures of `kivdb report --json`, to the byte."""
 
+import re
+import subprocess
+
 import pytest
 
-from page import KEYS, MEASURES, figures, number, total
+from page import KEYS, KIVDB, MEASURES, figures, number, total
 
 
 def name_of(row):
@@ -40,6 +43,39 @@ def test_tables_have_the_rows_of_the_report(open_page, reported, run):
             sums = [sum(column) + other for column, other in zip(zip(*shown), others)] if shown else others
             assert sums == [number(page.foot("total")[at]) for at in (0, 2, 3)]
             assert sums == [expected["total"][each] for each in ("bytes", "blocks", "tot_bytes")]
+
+
+def test_figures_are_written_as_the_report_writes_them(open_page, sources):
+    page = open_page("SQL1")
+    shown = 0
+    for of in MEASURES:
+        command = [KIVDB, "report", "--by", "function", "--of", of, "--top", "1000", sources["SQL1"]]
+        printed = subprocess.run(command, stdout=subprocess.PIPE, check=True, text=True).stdout
+        rows = re.findall(r"^ +(\S+ \w+) +(<?\S+ %) +(\S+)  (\S+)$", printed, re.MULTILINE)
+        page.choose("measure", of)
+        page.choose("table-key", "function")
+        page.show_all_rows()
+        texts = page.run("""return Array.from(document.querySelectorAll('#table-rows tbody tr'), (row) =>
+            [0, 1, 2, 4].map((at) => row.cells[at].textContent))""")
+        assert texts == [list(row) for row in rows]
+        shown += len(rows)
+    assert shown > 20
+
+
+def test_bytes_are_rounded_like_the_reports_and_never_silently(open_page):
+    page = open_page("MIX")
+
+    def human(number):
+        units = ["B", "KiB", "MiB", "GiB", "TiB", "PiB"]
+        unit, value = 0, number
+        while value >= (1024 if unit == 0 else 1023.95):
+            unit, value = unit + 1, value / 1024
+        return f"{value} B" if unit == 0 else f"{value:.1f} {units[unit]}"
+
+    numbers = [256 * n for n in range(200)] + [1024**k - 1 for k in range(1, 5)] + [1024**k * 1023.95 // 1 for k in range(1, 4)]
+    assert page.run("return arguments[0].map(human_bytes)", numbers) == [human(int(n)) for n in numbers]
+    assert page.run("return [2 ** 53 - 1, 2 ** 53].map(exact_bytes)") == ["9,007,199,254,740,991 bytes", "≈ 9,007,199,254,740,992 bytes"]
+    assert page.run("return human_bytes(2 ** 60)") == "≈ 1.0 EiB"
 
 
 @pytest.mark.parametrize("run", ["MIX", "SQL1", "LARGE"])

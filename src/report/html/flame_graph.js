@@ -42,10 +42,11 @@ function make_flame_graph(report, groups, choice, changed) {
   const picture =
       make_flame_canvas(section, "Flame graph of call paths. " + keys_help, frame_color);
   const legend = section.append("ul").attr("class", "legend").attr("id", "flame-legend");
-  const details = section.append("div")
-                      .attr("class", "frame-details")
-                      .attr("id", "flame-details")
-                      .attr("aria-live", "polite");
+  const details = section.append("div").attr("class", "frame-details").attr("id", "flame-details");
+  const announced = section.append("p")
+                        .attr("class", "unseen")
+                        .attr("id", "flame-said")
+                        .attr("aria-live", "polite");
   const table = table_behind(section, "The frames as a table", "flame-table", (place) => {
     frame_table(place, report, focus, matches());
   });
@@ -293,6 +294,7 @@ function make_flame_graph(report, groups, choice, changed) {
     picture.bring_into_view(frame);
     picture.mark(selected, matches());
     show_details();
+    announced.text(tip_lines(frame).join(": "));
   }
 
   function show_details() {

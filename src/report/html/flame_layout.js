@@ -164,7 +164,9 @@ function ancestors_of(frame) {
 function groups_below(frame) {
   /** @type {Group[]} */
   const groups = [];
-  /** @type {any} */ (frame).each((/** @type {Frame} */ each) => groups.push(...each.data.groups));
+  /** @type {any} */ (frame).each((/** @type {Frame} */ each) => {
+    for (const group of each.data.groups) groups.push(group);
+  });
   return groups;
 }
 

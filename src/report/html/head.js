@@ -42,33 +42,47 @@ function draw_completeness(head, report) {
     const alarm = head.append("div").attr("class", "alarm").attr("role", "alert");
     alarm.append("p").append("strong").text(
         of_run + " is not known to be complete: its figures may be wrong.");
-    const losses = losses_in_words(run);
-    draw_list(alarm, losses.slice(0, 12));
-    if (losses.length <= 12) return;
-    const more = alarm.append("details");
-    more.append("summary").text("and " + grouped(losses.length - 12) + " more");
-    draw_list(more, losses.slice(12));
+    draw_list(alarm, losses_in_words(run));
   });
 }
 
-/** @param {D3Selection} place @param {string[]} lines */
+const first_lines = 12;
+
+/**
+ * Lines of which the first are seen at once.
+ * @param {D3Selection} place @param {string[]} lines
+ */
 function draw_list(place, lines) {
-  const list = place.append("ul");
-  for (const line of lines) name_in(list.append("li"), line);
+  const add_all = (/** @type {D3Selection} */ parent, /** @type {string[]} */ some) => {
+    const list = parent.append("ul");
+    for (const line of some) name_in(list.append("li"), line);
+  };
+  add_all(place, lines.slice(0, first_lines));
+  if (lines.length <= first_lines) return;
+  const more = place.append("details");
+  more.append("summary").text("and " + grouped(lines.length - first_lines) + " more");
+  add_all(more, lines.slice(first_lines));
+}
+
+/**
+ * A line of a trace, with the trace's name if the run has several.
+ * @param {Run} run @param {Trace} trace @param {string} line @returns {string}
+ */
+function named(run, trace, line) {
+  return run.traces.length > 1 ? trace_name(trace) + ": " + line : line;
 }
 
 /** @param {Run} run @returns {string[]} */
 function losses_in_words(run) {
   if (run.traces.length === 0) return ["It has no trace."];
   return run.traces.flatMap((trace) => {
-    const name = run.traces.length > 1 ? trace_name(trace) + ": " : "";
     const lines = trace.losses.map(
         (loss) =>
             loss.what + ": " + grouped(loss.count) + (loss.first ? ", first " + loss.first : ""));
     if (trace.from_rows)
       lines.unshift("computed from CSV tables: what the trace lost is not known");
     if (lines.length === 0 && !trace.complete) lines.push("not complete");
-    return lines.map((line) => name + line);
+    return lines.map((line) => named(run, trace, line));
   });
 }
 
@@ -156,13 +170,8 @@ function draw_circumstances(head, report, at) {
     draw_facts(head, run.traces[0]);
   else if (run.traces.length > 1)
     draw_traces(head, run);
-  for (const trace of run.traces) {
-    for (const note of trace.notes) {
-      head.append("p")
-          .attr("class", "note")
-          .text((run.traces.length > 1 ? trace_name(trace) + ": " : "") + note);
-    }
-  }
+  const notes = run.traces.flatMap((trace) => trace.notes.map((note) => named(run, trace, note)));
+  if (notes.length > 0) draw_list(head.append("div").attr("class", "note"), notes);
 }
 
 /** @param {Trace} trace @returns {string} */

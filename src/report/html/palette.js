@@ -1,13 +1,5 @@
 // Colours, which the style sheet names for the light and the dark page.
 
-/**
- * The colour behind a custom property of the style sheet.
- * @param {string} name such as "--ink" @returns {string}
- */
-function themed(name) {
-  return getComputedStyle(document.documentElement).getPropertyValue(name).trim();
-}
-
 const id_colors = 8;
 const object_colors = 7;
 
