@@ -67,9 +67,10 @@ trace hostile() {
   return t;
 }
 
-// A process that takes `count` blocks and gives every other one back.
-trace taking(const char* program, u32 pid, u32 count, u32 size) {
+// A process that takes `count` blocks, gives every other one back and ends after so many seconds.
+trace taking(const char* program, u32 pid, u32 count, u32 size, u32 seconds) {
   trace t = new_trace("SEVERAL", program, pid);
+  t.end(start_of_all + seconds);
   t.reserve(3, "oic:shared").reserve(pid, std::string("oic:") + program);
   t.hashloc(first_line + pid, std::string(program) + ".c:10");
   for (u32 n = 0; n < count; ++n) {
@@ -124,8 +125,8 @@ int main(int argc, char** argv) {
   }
   const std::string to = std::string(argv[1]) + '/';
   const bool written = hostile().write(to + "HOSTILE") &&
-                       taking("first", 101, 60, 1000).write(to + "SEVERAL") &&
-                       taking("second", 102, 40, 300).base_name("other").write(to + "SEVERAL") &&
+                       taking("first", 101, 60, 1000, 2).write(to + "SEVERAL") &&
+                       taking("second", 102, 40, 300, 1).base_name("other").write(to + "SEVERAL") &&
                        lost().write(to + "LOST") && large().write(to + "LARGE");
   if (!written) std::fputs("make_page_traces: cannot write there\n", stderr);
   return written ? EXIT_SUCCESS : EXIT_FAILURE;
