@@ -1,10 +1,9 @@
 #include "kivdb/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <new>
+#include <string>
 #include <string_view>
-#include <vector>
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
@@ -23,43 +22,28 @@ const char* empty_argument(int argc, char** argv) {
   return nullptr;
 }
 
-int run_command(const std::vector<command>& commands) {
-  for (const auto& [app, run] : commands) {
-    if (app->parsed()) return run();
-  }
-  return complain("a command is missing; `kivdb --help` lists them", status_usage);
-}
-
 }  // namespace
 
 int kivdb_main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
-  CLI::App program(
+  program_options program(
+      "kivdb",
       "Answers questions from memory-allocation traces: who leaks, what made the peak, "
       "did it get worse.",
-      "kivdb");
-  program.require_subcommand(0, 1);  // so that an unknown word is named in the message
-  program.set_version_flag("--version", std::string("kivdb " KIVDB_VERSION));
-  program.footer(
+      "kivdb " KIVDB_VERSION,
       "A SOURCE is a run's directory, a header file, or a database that `import` made.\n"
       "Exit status: 0 done, 1 wrong usage, 2 unreadable source or database, 3 a limit was passed,\n"
       "4 a limit was given for a run that is not complete.\n"
       "`kivdb COMMAND --help` has an example for each command.");
-  const std::vector<command> commands = {
-      add_report(program), add_tree(program),  add_diff(program), add_html(program),
-      add_import(program), add_trend(program), add_runs(program), add_forget(program),
-      add_show(program),   add_views(program), add_sql(program)};
-
+  for (const auto add : {add_report, add_tree, add_diff, add_html, add_import, add_trend, add_runs,
+                         add_forget, add_show, add_views, add_sql}) {
+    add(program);
+  }
   if (const char* before = empty_argument(argc, argv)) {
     return complain("an argument is empty, after " + std::string(before), status_usage);
   }
   try {
-    program.parse(argc, argv);
-  } catch (const CLI::ParseError& stop) {
-    return program.exit(stop) == 0 ? finish_output() : status_usage;
-  }
-  try {
-    return run_command(commands);
+    return program.run(argc, argv);
   } catch (const std::bad_alloc&) {
     return complain("out of memory");
   }

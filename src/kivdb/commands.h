@@ -1,28 +1,20 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <functional>
+#include "kivdb/command_options.h"
 
 namespace kiv::db {
 
-// A command of the program: what the command line knows of it, and what carries it out and gives
-// the exit status.
-struct command {
-  CLI::App* app = nullptr;
-  std::function<int()> run;
-};
-
 // One file each; they add the command to the program.
-command add_import(CLI::App& program);
-command add_report(CLI::App& program);
-command add_tree(CLI::App& program);
-command add_diff(CLI::App& program);
-command add_html(CLI::App& program);
-command add_trend(CLI::App& program);
-command add_runs(CLI::App& program);
-command add_forget(CLI::App& program);
-command add_show(CLI::App& program);
-command add_views(CLI::App& program);
-command add_sql(CLI::App& program);
+void add_import(program_options& program);
+void add_report(program_options& program);
+void add_tree(program_options& program);
+void add_diff(program_options& program);
+void add_html(program_options& program);
+void add_trend(program_options& program);
+void add_runs(program_options& program);
+void add_forget(program_options& program);
+void add_show(program_options& program);
+void add_views(program_options& program);
+void add_sql(program_options& program);
 
 }  // namespace kiv::db

@@ -55,26 +55,24 @@ int run_diff(const diff_arguments& arguments) {
 
 }  // namespace
 
-command add_diff(CLI::App& program) {
+void add_diff(program_options& program) {
   auto arguments = std::make_shared<diff_arguments>();
-  CLI::App* app = program.add_subcommand("diff", "Compare two runs, what grew most first");
-  app->add_option("runs", arguments->runs, "Two sources A and B, or a database and two runs in it")
-      ->required()
-      ->expected(2, 3);
-  arguments->list.add_key_to(*app);
-  arguments->list.add_measure_to(*app, "What to compare");
-  arguments->top.add_to(*app);
-  app->add_option("--fail-above", arguments->limits,
-                  "MEASURE=LIMIT: end with status 3 when the total or a name grew by more: bytes "
-                  "(K, M and G allowed) or a percentage such as 5%. May be repeated")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app->add_flag("--allow-incomplete", arguments->options.allow_incomplete,
-                "Judge runs that are not complete too");
-  add_filter(*app, arguments->options.filter);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb diff nightly.db R41 R42 --fail-above leaked=0 --fail-above peak=5%");
-  return {app, [arguments] { return run_diff(*arguments); }};
+  command_options command = program.add_command("diff", "Compare two runs, what grew most first",
+                                                [arguments] { return run_diff(*arguments); });
+  command.arguments("runs", arguments->runs, 2, 3,
+                    "Two sources A and B, or a database and two runs in it");
+  arguments->list.add_key_to(command);
+  arguments->list.add_measure_to(command, "What to compare");
+  arguments->top.add_to(command);
+  command.repeatable_option(
+      "--fail-above", arguments->limits,
+      "MEASURE=LIMIT: end with status 3 when the total or a name grew by more: bytes "
+      "(K, M and G allowed) or a percentage such as 5%. May be repeated");
+  command.flag("--allow-incomplete", arguments->options.allow_incomplete,
+               "Judge runs that are not complete too");
+  add_filter(command, arguments->options.filter);
+  arguments->output.add_to(command);
+  command.example("kivdb diff nightly.db R41 R42 --fail-above leaked=0 --fail-above peak=5%");
 }
 
 }  // namespace kiv::db

@@ -35,14 +35,15 @@ int run_forget(const forget_arguments& arguments) {
 
 }  // namespace
 
-command add_forget(CLI::App& program) {
+void add_forget(program_options& program) {
   auto arguments = std::make_shared<forget_arguments>();
-  CLI::App* app = program.add_subcommand("forget", "Delete runs from a database, all or none");
-  app->add_option("file", arguments->file, "Database file")->required();
-  app->add_option("run", arguments->runs, "Names of runs")->required();
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb forget nightly.db R40 R41");
-  return {app, [arguments] { return run_forget(*arguments); }};
+  command_options command =
+      program.add_command("forget", "Delete runs from a database, all or none",
+                          [arguments] { return run_forget(*arguments); });
+  command.argument("file", arguments->file, "Database file");
+  command.arguments("run", arguments->runs, "Names of runs");
+  arguments->output.add_to(command);
+  command.example("kivdb forget nightly.db R40 R41");
 }
 
 }  // namespace kiv::db

@@ -67,12 +67,14 @@ bool holds_runs(const std::string& path, const std::vector<wanted_run>& shown) {
 }
 
 void print_written(const html_arguments& arguments, const report::page_data& page) {
-  const report::print_style style = arguments.output.style();
+  // A page that went down a pipe may stand where these words would.
   std::error_code unknown;
-  const std::uint64_t size = std::filesystem::file_size(arguments.file, unknown);
+  if (!std::filesystem::is_regular_file(arguments.file, unknown)) return;
+  const report::print_style style = arguments.output.style();
   if (style.format == report::output_format::terminal) {
-    std::cout << fmt::format("{}: {}\n", printable(arguments.file),
-                             unknown ? "written" : report::human_bytes(size));
+    std::cout << fmt::format(
+        "{}: {}\n", printable(arguments.file),
+        report::human_bytes(std::uint64_t{std::filesystem::file_size(arguments.file, unknown)}));
     for (const auto& sentence : page.left_out) std::cout << "  " << sentence << '\n';
     return;
   }
@@ -115,25 +117,20 @@ int run_html(const html_arguments& arguments) {
 
 }  // namespace
 
-command add_html(CLI::App& program) {
+void add_html(program_options& program) {
   auto arguments = std::make_shared<html_arguments>();
-  CLI::App* app = program.add_subcommand(
-      "html",
-      "Write one page for a browser: memory over time, call paths, tables, two runs compared");
-  app->add_option("source", arguments->sources,
-                  "One source, two to compare, or a database and two runs in it")
-      ->required()
-      ->expected(1, 3);
-  app->add_option("-o,--output", arguments->file, "The page; replaced when it is there")
-      ->required();
-  app->add_option("--run", arguments->runs,
-                  "The run to show; twice: the two runs to compare, of one source or of each")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  add_filter(*app, arguments->filter);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb html R42/ -o r42.html");
-  return {app, [arguments] { return run_html(*arguments); }};
+  command_options command =
+      program.add_command("html", "Write a page for a browser that shows a run, or compares two",
+                          [arguments] { return run_html(*arguments); });
+  command.arguments("source", arguments->sources, 1, 3,
+                    "One source, two to compare, or a database and two runs in it");
+  command.required_option("-o,--output", arguments->file, "The page; replaced when it is there");
+  command.repeatable_option("--run", arguments->runs,
+                            "The run to show; given twice, the two runs to compare, of one source "
+                            "or one of each");
+  add_filter(command, arguments->filter);
+  arguments->output.add_to(command);
+  command.example("kivdb html R42/ -o r42.html");
 }
 
 }  // namespace kiv::db

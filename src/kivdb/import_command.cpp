@@ -143,22 +143,22 @@ int run_import(const import_arguments& arguments) {
 
 }  // namespace
 
-command add_import(CLI::App& program) {
+void add_import(program_options& program) {
   auto arguments = std::make_shared<import_arguments>();
-  CLI::App* app = program.add_subcommand("import", "Put the profiles of traces into a database");
-  app->add_option("source", arguments->sources, "Directories of runs, or header files")->required();
-  app->add_option("-o,--output", arguments->file, "Database file; made when there is none")
-      ->required();
-  app->add_option("--as", arguments->name, "Name of the run, in place of its run id");
-  app->add_flag("--rows", arguments->rows,
-                "Load the CSV tables too, for SQL of your own; `kiv -R` writes them");
-  app->add_option("--sd", arguments->sd,
-                  "Separator that kiv was given with -sd, if its tables do not show it");
-  app->add_option("--sf", arguments->sf,
-                  "Separator that kiv was given with -sf, if its tables do not show it");
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb import R42/ -o nightly.db");
-  return {app, [arguments] { return run_import(*arguments); }};
+  command_options command =
+      program.add_command("import", "Put the profiles of traces into a database",
+                          [arguments] { return run_import(*arguments); });
+  command.arguments("source", arguments->sources, "Directories of runs, or header files");
+  command.required_option("-o,--output", arguments->file, "Database file; made when there is none");
+  command.option("--as", arguments->name, "Name of the run, in place of its run id");
+  command.flag("--rows", arguments->rows,
+               "Load the CSV tables too, for SQL of your own; `kiv -R` writes them");
+  command.option("--sd", arguments->sd,
+                 "Separator that kiv was given with -sd, if its tables do not show it");
+  command.option("--sf", arguments->sf,
+                 "Separator that kiv was given with -sf, if its tables do not show it");
+  arguments->output.add_to(command);
+  command.example("kivdb import R42/ -o nightly.db");
 }
 
 }  // namespace kiv::db

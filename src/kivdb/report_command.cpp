@@ -66,20 +66,19 @@ int run_report(const report_arguments& arguments) {
 
 }  // namespace
 
-command add_report(CLI::App& program) {
+void add_report(program_options& program) {
   auto arguments = std::make_shared<report_arguments>();
-  CLI::App* app = program.add_subcommand(
-      "report", "Print what a run was, who leaks, what made the peak, what is short-lived");
-  app->add_option("source", arguments->source, "Directory of a run, header file or database")
-      ->required();
-  app->add_option("--run", arguments->run,
-                  "Only this run (of a database: the one imported last, unless told)");
-  arguments->lists.add_to(*app);
-  arguments->top.add_to(*app);
-  add_filter(*app, arguments->filter);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb report R42/ --by line,path --of leaked");
-  return {app, [arguments] { return run_report(*arguments); }};
+  command_options command = program.add_command(
+      "report", "Print what a run was, who leaks, what made the peak, what is short-lived",
+      [arguments] { return run_report(*arguments); });
+  command.argument("source", arguments->source, "Directory of a run, header file or database");
+  command.option("--run", arguments->run,
+                 "Only this run (of a database: the one imported last, unless told)");
+  arguments->lists.add_to(command);
+  arguments->top.add_to(command);
+  add_filter(command, arguments->filter);
+  arguments->output.add_to(command);
+  command.example("kivdb report R42/ --by line,path --of leaked");
 }
 
 }  // namespace kiv::db

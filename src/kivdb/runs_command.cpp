@@ -49,14 +49,14 @@ int run_runs(const runs_arguments& arguments) {
 
 }  // namespace
 
-command add_runs(CLI::App& program) {
+void add_runs(program_options& program) {
   auto arguments = std::make_shared<runs_arguments>();
-  CLI::App* app =
-      program.add_subcommand("runs", "List the runs of a database in the order of their import");
-  app->add_option("file", arguments->file, "Database file")->required();
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb runs nightly.db");
-  return {app, [arguments] { return run_runs(*arguments); }};
+  command_options command =
+      program.add_command("runs", "List the runs of a database in the order of their import",
+                          [arguments] { return run_runs(*arguments); });
+  command.argument("file", arguments->file, "Database file");
+  arguments->output.add_to(command);
+  command.example("kivdb runs nightly.db");
 }
 
 }  // namespace kiv::db

@@ -36,15 +36,14 @@ std::vector<std::string> split(const std::string& text) {
 }
 
 // Accepts words of a list, separated by commas.
-CLI::Validator each_of(const std::vector<std::string>& known) {
-  return {[known](const std::string& text) {
-            for (const auto& word : split(text)) {
-              if (std::ranges::find(known, word) != known.end()) continue;
-              return "'" + word + "' is none of " + listed(known);
-            }
-            return std::string();
-          },
-          ""};
+command_options::check each_of(const std::vector<std::string>& known) {
+  return [known](const std::string& text) {
+    for (const auto& word : split(text)) {
+      if (std::ranges::find(known, word) != known.end()) continue;
+      return "'" + word + "' is none of " + listed(known);
+    }
+    return std::string();
+  };
 }
 
 template <class Found>
@@ -54,9 +53,8 @@ void add_once(std::vector<Found>& all, Found next) {
 
 }  // namespace
 
-void output_options::add_to(CLI::App& command) {
-  auto* as_csv = command.add_flag("--csv", csv_, "Print comma-separated values");
-  command.add_flag("--json", json_, "Print JSON")->excludes(as_csv);
+void output_options::add_to(command_options& command) {
+  command.either_flag("--csv", csv_, "Print comma-separated values", "--json", json_, "Print JSON");
 }
 
 report::print_style output_options::style() const {
@@ -73,48 +71,41 @@ report::print_style output_options::style() const {
   return style;
 }
 
-void top_option::add_to(CLI::App& command) {
-  command
-      .add_option("--top", top_,
-                  "Only so many rows of a list (unless told a few for people, all for scripts)")
-      ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
+void top_option::add_to(command_options& command) {
+  command.count("--top", top_,
+                "Only so many rows of a list (unless told a few for people, all for scripts)");
 }
 
-void add_filter(CLI::App& command, report::filter_options& filter) {
-  const CLI::Validator is_expression(
-      [](const std::string& pattern) {
-        std::string error;
-        report::group_filter().set({pattern, {}, {}}, error);
-        return error;
-      },
-      "");
-  command
-      .add_option("--focus", filter.focus,
-                  "Only blocks with a name that this regular expression matches: a function of "
-                  "the call path, line, id, colour, process or SQL statement")
-      ->check(is_expression);
-  command.add_option("--ignore", filter.ignore, "No blocks with such a name")->check(is_expression);
-  command.add_option("--process", filter.process,
-                     "Only blocks of this process: a session name or a process id");
+void add_filter(command_options& command, report::filter_options& filter) {
+  const auto is_expression = [](const std::string& pattern) {
+    std::string error;
+    report::group_filter().set({pattern, {}, {}}, error);
+    return error;
+  };
+  command.option("--focus", filter.focus,
+                 "Only blocks with a name that this regular expression matches: a function of "
+                 "the call path, line, id, colour, process or SQL statement",
+                 is_expression);
+  command.option("--ignore", filter.ignore, "No blocks with such a name", is_expression);
+  command.option("--process", filter.process,
+                 "Only blocks of this process: a session name or a process id");
 }
 
-void list_option::add_key_to(CLI::App& command) {
-  command.add_option("--by", by_, "What to group by: " + listed(report::key_names))
-      ->check(CLI::IsMember(words(report::key_names)))
-      ->capture_default_str();
+void list_option::add_key_to(command_options& command) {
+  command.choice("--by", by_, words(report::key_names),
+                 "What to group by: " + listed(report::key_names));
 }
 
-void list_option::add_measure_to(CLI::App& command, const std::string& what_for) {
-  command.add_option("--of", of_, what_for + ": " + listed(report::measure_names))
-      ->check(CLI::IsMember(words(report::measure_names)))
-      ->capture_default_str();
+void list_option::add_measure_to(command_options& command, const std::string& what_for) {
+  command.choice("--of", of_, words(report::measure_names),
+                 what_for + ": " + listed(report::measure_names));
 }
 
-void lists_option::add_to(CLI::App& command) {
-  command.add_option("--by", by_, "What to group by: " + listed(report::key_names))
-      ->check(each_of(words(report::key_names)));
-  command.add_option("--of", of_, "What to add up: " + listed(report::measure_names))
-      ->check(each_of(words(report::measure_names)));
+void lists_option::add_to(command_options& command) {
+  command.option("--by", by_, "What to group by: " + listed(report::key_names),
+                 each_of(words(report::key_names)));
+  command.option("--of", of_, "What to add up: " + listed(report::measure_names),
+                 each_of(words(report::measure_names)));
 }
 
 std::vector<report::group_key> lists_option::by() const {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "kivdb/command_options.h"
 #include "report/group_filter.h"
 #include "report/measures.h"
 #include "report/table.h"
@@ -15,7 +15,7 @@ namespace kiv::db {
 // --csv and --json, of every command.
 class output_options {
  public:
-  void add_to(CLI::App& command);
+  void add_to(command_options& command);
   report::print_style style() const;
 
  private:
@@ -25,7 +25,7 @@ class output_options {
 // --top: how many rows; unless it is given, a few for people and all for scripts.
 class top_option {
  public:
-  void add_to(CLI::App& command);
+  void add_to(command_options& command);
   std::optional<std::size_t> given() const { return top_; }
   std::size_t for_people() const { return top_.value_or(10); }
 
@@ -34,13 +34,13 @@ class top_option {
 };
 
 // --focus, --ignore and --process.
-void add_filter(CLI::App& command, report::filter_options& filter);
+void add_filter(command_options& command, report::filter_options& filter);
 
 // --by and --of with one value each.
 class list_option {
  public:
-  void add_key_to(CLI::App& command);
-  void add_measure_to(CLI::App& command, const std::string& what_for);
+  void add_key_to(command_options& command);
+  void add_measure_to(command_options& command, const std::string& what_for);
   void set_measure(report::measure of) { of_ = report::name_of(of); }
   report::group_key by() const { return *report::find_key(by_); }
   report::measure of() const { return *report::find_measure(of_); }
@@ -52,7 +52,7 @@ class list_option {
 // --by and --of with several values, separated by commas.
 class lists_option {
  public:
-  void add_to(CLI::App& command);
+  void add_to(command_options& command);
   std::vector<report::group_key> by() const;  // each once; empty when not given
   std::vector<report::measure> of() const;
 

@@ -31,17 +31,16 @@ int run_show(const show_arguments& arguments) {
 
 }  // namespace
 
-command add_show(CLI::App& program) {
+void add_show(program_options& program) {
   auto arguments = std::make_shared<show_arguments>();
-  CLI::App* app = program.add_subcommand("show", "Print a view of a database");
-  app->add_option("file", arguments->file, "Database file")->required();
-  app->add_option("view", arguments->view, "Name of the view; `kivdb views` lists them")
-      ->required();
-  app->add_option("--run", arguments->run, "Only rows of this run");
-  arguments->top.add_to(*app);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb show nightly.db heap_growth --run R42 --csv");
-  return {app, [arguments] { return run_show(*arguments); }};
+  command_options command = program.add_command("show", "Print a view of a database",
+                                                [arguments] { return run_show(*arguments); });
+  command.argument("file", arguments->file, "Database file");
+  command.argument("view", arguments->view, "Name of the view; `kivdb views` lists them");
+  command.option("--run", arguments->run, "Only rows of this run");
+  arguments->top.add_to(command);
+  arguments->output.add_to(command);
+  command.example("kivdb show nightly.db heap_growth --run R42 --csv");
 }
 
 }  // namespace kiv::db

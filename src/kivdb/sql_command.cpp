@@ -32,17 +32,17 @@ int run_sql(const sql_arguments& arguments) {
 
 }  // namespace
 
-command add_sql(CLI::App& program) {
+void add_sql(program_options& program) {
   auto arguments = std::make_shared<sql_arguments>();
-  CLI::App* app = program.add_subcommand("sql", "Print the rows of a SELECT of your own");
-  app->add_option("file", arguments->file, "Database file")->required();
-  app->add_option("statement", arguments->sql, "A SELECT statement")->required();
-  arguments->top.add_to(*app);
-  arguments->output.add_to(*app);
-  app->footer(
-      "Example: kivdb sql nightly.db \"SELECT source_line, leaked_bytes FROM by_line WHERE run = "
+  command_options command = program.add_command("sql", "Print the rows of a SELECT of your own",
+                                                [arguments] { return run_sql(*arguments); });
+  command.argument("file", arguments->file, "Database file");
+  command.argument("statement", arguments->sql, "A SELECT statement");
+  arguments->top.add_to(command);
+  arguments->output.add_to(command);
+  command.example(
+      "kivdb sql nightly.db \"SELECT source_line, leaked_bytes FROM by_line WHERE run = "
       "'R42'\"");
-  return {app, [arguments] { return run_sql(*arguments); }};
 }
 
 }  // namespace kiv::db

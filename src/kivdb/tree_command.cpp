@@ -32,23 +32,20 @@ int run_tree(const tree_arguments& arguments) {
 
 }  // namespace
 
-command add_tree(CLI::App& program) {
+void add_tree(program_options& program) {
   auto arguments = std::make_shared<tree_arguments>();
   arguments->list.set_measure(report::measure::peak);
-  CLI::App* app = program.add_subcommand("tree", "Print the call paths of a run as a tree");
-  app->add_option("source", arguments->source, "Directory of a run, header file or database")
-      ->required();
-  app->add_option("--run", arguments->run,
-                  "This run (of a database: the one imported last, unless told)");
-  arguments->list.add_measure_to(*app, "What to add up");
-  app->add_option("--min-share", arguments->options.min_share,
-                  "Leave out calls that hold less than so many percent")
-      ->check(CLI::Range(0.0, 100.0))
-      ->capture_default_str();
-  add_filter(*app, arguments->options.filter);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb tree R42/ --of peak --min-share 5");
-  return {app, [arguments] { return run_tree(*arguments); }};
+  command_options command = program.add_command("tree", "Print the call paths of a run as a tree",
+                                                [arguments] { return run_tree(*arguments); });
+  command.argument("source", arguments->source, "Directory of a run, header file or database");
+  command.option("--run", arguments->run,
+                 "This run (of a database: the one imported last, unless told)");
+  arguments->list.add_measure_to(command, "What to add up");
+  command.percentage("--min-share", arguments->options.min_share,
+                     "Leave out calls that hold less than so many percent");
+  add_filter(command, arguments->options.filter);
+  arguments->output.add_to(command);
+  command.example("kivdb tree R42/ --of peak --min-share 5");
 }
 
 }  // namespace kiv::db

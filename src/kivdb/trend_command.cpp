@@ -53,19 +53,18 @@ int run_trend(const trend_arguments& arguments) {
 
 }  // namespace
 
-command add_trend(CLI::App& program) {
+void add_trend(program_options& program) {
   auto arguments = std::make_shared<trend_arguments>();
-  CLI::App* app = program.add_subcommand("trend", "Print what the runs of a database became");
-  app->add_option("file", arguments->file, "Database file")->required();
-  arguments->list.add_key_to(*app);
-  arguments->list.add_measure_to(*app, "What to follow by name");
-  app->add_option("--last", arguments->last, "Only so many runs, the last ones")
-      ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
-  arguments->top.add_to(*app);
-  add_filter(*app, arguments->options.filter);
-  arguments->output.add_to(*app);
-  app->footer("Example: kivdb trend nightly.db --by line --of leaked --last 10");
-  return {app, [arguments] { return run_trend(*arguments); }};
+  command_options command = program.add_command("trend", "Print what the runs of a database became",
+                                                [arguments] { return run_trend(*arguments); });
+  command.argument("file", arguments->file, "Database file");
+  arguments->list.add_key_to(command);
+  arguments->list.add_measure_to(command, "What to follow by name");
+  command.count("--last", arguments->last, "Only so many runs, the last ones");
+  arguments->top.add_to(command);
+  add_filter(command, arguments->options.filter);
+  arguments->output.add_to(command);
+  command.example("kivdb trend nightly.db --by line --of leaked --last 10");
 }
 
 }  // namespace kiv::db

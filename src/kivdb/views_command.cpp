@@ -21,12 +21,13 @@ int run_views(const output_options& output) {
 
 }  // namespace
 
-command add_views(CLI::App& program) {
+void add_views(program_options& program) {
   auto output = std::make_shared<output_options>();
-  CLI::App* app = program.add_subcommand("views", "List the views, each with what it answers");
-  output->add_to(*app);
-  app->footer("Example: kivdb views");
-  return {app, [output] { return run_views(*output); }};
+  command_options command =
+      program.add_command("views", "List the views, each with what it answers",
+                          [output] { return run_views(*output); });
+  output->add_to(command);
+  command.example("kivdb views");
 }
 
 }  // namespace kiv::db

@@ -17,41 +17,6 @@ namespace kiv {
 
 namespace {
 
-struct named_key {
-  std::array<std::uint32_t, 6> places;
-  bool no_free;
-  friend bool operator==(const named_key&, const named_key&) = default;
-  template <class Hash>
-  friend Hash AbslHashValue(Hash state, const named_key& key) {
-    return Hash::combine(std::move(state), key.places, key.no_free);
-  }
-};
-
-named_key key_of(const block_group& group) {
-  return {{group.id, group.color, group.line, group.path, group.process, group.query},
-          group.no_free};
-}
-
-void add_to(block_group& sum, const block_group& more) {
-  sum.resizes += more.resizes;
-  for (std::size_t i = 0; i < figure_count; ++i) sum.figures[i] += more.figures[i];
-}
-
-// Groups whose numbers differ may have the same names.
-void join_equal_groups(std::vector<block_group>& groups) {
-  absl::flat_hash_map<named_key, std::size_t> known;
-  std::size_t kept = 0;
-  for (block_group& group : groups) {
-    const auto [entry, is_new] = known.try_emplace(key_of(group), kept);
-    if (is_new) {
-      groups[kept++] = group;
-    } else {
-      add_to(groups[entry->second], group);
-    }
-  }
-  groups.resize(kept);
-}
-
 // Levels by the numbers of ids -> levels by the places of their names, which ids may share.
 class levels_by_place {
  public:
@@ -86,23 +51,7 @@ void profiler::finish(profile& into) {
   close_query(group_key::no_query);
   name_lists names(reader_);
 
-  into.groups.reserve(groups_.size());
-  groups_.take_each([&](const group_table::group& group) {
-    const group_key& key = group.key;
-    block_group& named = into.groups.emplace_back();
-    named.no_free = key.no_free;
-    named.id = names.id(key.id);
-    named.color = key.folded ? 0 : names.color(key.id, key.color);
-    named.line = key.folded ? names.line_left_out() : names.line(key.location);
-    named.path = key.path;
-    named.process = key.process;
-    if (key.query < group_key::no_query) {
-      named.query = names.query(static_cast<std::uint32_t>(key.query));
-    }
-    named.resizes = group.resizes;
-    named.figures = group.figures;
-  });
-  if (names.shared_places()) join_equal_groups(into.groups);
+  into.groups = groups_.take(names);
 
   std::vector<std::uint32_t> place_of_slot;
   place_of_slot.reserve(ids_.size());

@@ -1,51 +1,18 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "profile/amount.h"
+#include "profile/block_groups.h"
+
 namespace kiv {
 
-// Blocks with their sizes: what the program asked for, and with the allocator's rounding.
-struct amount {
-  std::uint64_t blocks = 0;
-  std::uint64_t bytes = 0;
-  std::uint64_t tot_bytes = 0;
-
-  amount& operator+=(const amount& other) {
-    blocks += other.blocks;
-    bytes += other.bytes;
-    tot_bytes += other.tot_bytes;
-    return *this;
-  }
-  amount& operator-=(const amount& other) {
-    blocks -= other.blocks;
-    bytes -= other.bytes;
-    tot_bytes -= other.tot_bytes;
-    return *this;
-  }
-  friend amount operator+(amount a, const amount& b) { return a += b; }
-  friend bool operator==(const amount&, const amount&) = default;
-};
-
-// What is summed up per group of blocks. A block counts for the place that made it, with its
-// present size; `made` and `temporary` count it with the size that it was made with.
-enum class figure : std::uint8_t {
-  made,          // every block (record a or n)
-  freed,         // ended by a free (f)
-  left_with_id,  // with-free memory, given back with its id (F)
-  reset,         // given back by a reset of its id (Z), both kinds
-  released,      // no-free memory, given back with its id (F)
-  live,          // live at the end of the trace
-  at_peak,       // live at the peak
-  temporary,     // freed (f) within 100 memory records of its making
-};
-inline constexpr std::size_t figure_count = 8;
-
-// The lists below hold names; groups refer to them by their place. Two entries never have the same
-// name, but for processes, which have a pid too. Place 0 is always the one for "none" or "unknown".
+// The lists below hold names; groups of blocks refer to them by their place. Two entries never have
+// the same name, but for processes, which have a pid too. Place 0 is always the one for "none" or
+// "unknown".
 struct profile_id {
   std::uint32_t number = 0;  // 0 and "unknown id" at place 0
   std::string name;          // means the same in every run: category, description
@@ -70,26 +37,6 @@ struct profile_process {
 struct call_path {
   std::uint32_t parent = 0;
   std::uint32_t function = 0;  // place in functions
-};
-
-// The blocks that share all of these.
-struct block_group {
-  bool no_free = false;       // memory without an obligation to free
-  std::uint32_t id = 0;       // place in ids
-  std::uint32_t color = 0;    // place in colors
-  std::uint32_t line = 0;     // place in lines
-  std::uint32_t path = 0;     // place in paths
-  std::uint32_t process = 0;  // place in processes
-  std::uint32_t query = 0;    // place in queries
-  std::uint64_t resizes = 0;
-  std::array<amount, figure_count> figures{};
-
-  const amount& operator[](figure which) const { return figures[static_cast<std::size_t>(which)]; }
-  amount& operator[](figure which) { return figures[static_cast<std::size_t>(which)]; }
-  // With-free memory that no free ended.
-  amount leaked() const {
-    return no_free ? amount{} : (*this)[figure::left_with_id] + (*this)[figure::live];
-  }
 };
 
 // How many blocks were made with a size, or ended after so many memory records, from 2^exponent up
@@ -174,7 +121,7 @@ struct profile {
   std::vector<profile_process> processes;
   std::vector<std::string> queries;  // "(no finished SQL operation)" at place 0
 
-  std::vector<block_group> groups;
+  block_groups groups;
   std::vector<histogram_bar> histograms;
   std::vector<heap_change> heap;
   std::vector<timeline_step> timeline;  // at most 1,000

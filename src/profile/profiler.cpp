@@ -51,8 +51,7 @@ group_table::handle profiler::group_of(const memory_change& made) {
 
 void profiler::add_block(group_table::handle group, const memory_change& made) {
   const amount one{1, made.size, made.tot_size};
-  groups_[group][figure::made] += one;
-  groups_.live(group) += one;
+  groups_.figures().make_block(group, made.size, made.tot_size);
   live_ += one;
   const std::uint32_t slot = slot_of(made.id);
   levels_.change(slot, static_cast<std::int64_t>(made.size));
@@ -78,36 +77,33 @@ void profiler::block_resized(block_handle block, const memory_change& resized) {
   const group_table::handle group = notes_.group(block);
   const auto size_change = static_cast<std::uint64_t>(resized.size_change);
   const auto tot_size_change = static_cast<std::uint64_t>(resized.tot_size_change);
-  for (amount* changed : {&groups_.live(group), &live_}) {
-    changed->bytes += size_change;
-    changed->tot_bytes += tot_size_change;
-  }
-  ++groups_[group].resizes;
-  levels_.change(slot_of(groups_[group].key.id), resized.size_change);
+  groups_.figures().resize_block(group, size_change, tot_size_change);
+  live_ += {0, size_change, tot_size_change};
+  levels_.change(slot_of(groups_.id(group)), resized.size_change);
 }
 
 void profiler::block_ended(block_handle block, const live_block& ended, std::uint64_t cause,
                            kiv_type by) {
-  const group_table::handle place = notes_.group(block);
+  const group_table::handle group = notes_.group(block);
   const amount one{1, ended.size, ended.tot_size};
-  groups_.live(place) -= one;
   live_ -= one;
-  group_table::group& group = groups_[place];
+  compact_groups& groups = groups_.figures();
+  const bool no_free = groups_.no_free(group);
   const std::uint64_t life = cause - notes_.made(block);
   if (by == kiv_e_free) {
-    group[figure::freed] += one;
+    groups.end_block(group, figure::freed, one);
     if (life <= recent_sizes::temporary_span) {
       const recent_sizes::sizes& made = recent_.of(notes_.made(block));
-      group[figure::temporary] += {1, made.size, made.tot_size};
+      groups.count_temporary(group, {1, made.size, made.tot_size});
     }
   } else if (by == kiv_e_reset_id) {
-    group[figure::reset] += one;
+    groups.end_block(group, figure::reset, one);
   } else {
-    group[group.key.no_free ? figure::released : figure::left_with_id] += one;
+    groups.end_block(group, no_free ? figure::released : figure::left_with_id, one);
   }
-  const std::uint32_t slot = slot_of(group.key.id);
+  const std::uint32_t slot = slot_of(groups_.id(group));
   levels_.change(slot, -std::int64_t{ended.size});
-  count_in_bar(slot, distribution::lifetime, group.key.no_free, life, ended.size);
+  count_in_bar(slot, distribution::lifetime, no_free, life, ended.size);
 }
 
 void profiler::memory_changed(const memory_change& change) {
@@ -116,7 +112,7 @@ void profiler::memory_changed(const memory_change& change) {
     peak_.live = live_;
     peak_.record = change.record;
     peak_time_ = reader_.now();
-    groups_.peak_reached();
+    groups_.figures().peak_reached();
   }
   // The blocks of an id that is given back end behind this.
   if (change.type != kiv_e_free_id && change.type != kiv_e_reset_id) record_step(change.record);

@@ -7,22 +7,6 @@
 
 namespace kiv {
 
-namespace {
-
-// What changed over two steps: the later level of each id.
-std::vector<id_level> merged(const std::vector<id_level>& earlier, std::vector<id_level> later) {
-  const auto by_id = [](const id_level& a, const id_level& b) { return a.id < b.id; };
-  std::sort(later.begin(), later.end(), by_id);
-  const std::size_t known = later.size();
-  for (const id_level& level : earlier) {
-    const auto end = later.begin() + static_cast<std::ptrdiff_t>(known);
-    if (!std::binary_search(later.begin(), end, level, by_id)) later.push_back(level);
-  }
-  return later;
-}
-
-}  // namespace
-
 void id_levels::change(slot id, std::int64_t bytes) {
   if (id >= states_.size()) states_.resize(id + 1);
   state& changed = states_[id];
@@ -65,7 +49,7 @@ void timeline::halve() {
     if (i + 1 < steps_.size()) {
       step& next = steps_[i + 1];
       next.highest_bytes = std::max(one.highest_bytes, next.highest_bytes);
-      next.changed = merged(one.changed, std::move(next.changed));
+      merge(one.changed, next.changed);
       one = std::move(next);
     }
     levels_ += one.changed.size();
@@ -73,6 +57,18 @@ void timeline::halve() {
   }
   steps_.resize(kept);
   records_per_step_ *= 2;
+}
+
+void timeline::merge(const std::vector<id_level>& earlier, std::vector<id_level>& later) {
+  ++merges_;
+  const auto is_new = [&](std::uint32_t id) {
+    if (id >= merged_in_.size()) merged_in_.resize(id + std::size_t{1});
+    return std::exchange(merged_in_[id], merges_) != merges_;
+  };
+  for (const id_level& level : later) is_new(level.id);
+  for (const id_level& level : earlier) {
+    if (is_new(level.id)) later.push_back(level);
+  }
 }
 
 std::vector<timeline_step> timeline::finish(id_levels& levels) {

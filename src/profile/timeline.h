@@ -67,12 +67,16 @@ class timeline {
 
   void end_step(id_levels& levels);
   void halve();
+  // What changed over two steps: the later level of each id.
+  void merge(const std::vector<id_level>& earlier, std::vector<id_level>& later);
 
   std::vector<step> steps_;
   step current_;
   std::uint64_t records_ = 0;  // in the current step
   std::uint64_t records_per_step_ = 1;
   std::size_t levels_ = 0;
+  std::vector<std::uint32_t> merged_in_;  // by id: the merge that saw it last
+  std::uint32_t merges_ = 0;
 };
 
 }  // namespace kiv

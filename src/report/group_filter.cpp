@@ -89,7 +89,8 @@ std::vector<bool> group_filter::matches(const profile& trace, const re2::RE2& ex
   }
   std::vector<bool> found;
   found.reserve(trace.groups.size());
-  for (const auto& group : trace.groups) {
+  for (std::size_t i = 0; i < trace.groups.size(); ++i) {
+    const group_names group = trace.groups.names(i);
     found.push_back(at(ids, group.id) || at(colors, group.color) || at(lines, group.line) ||
                     at(paths, group.path) || at(processes, group.process) ||
                     at(queries, group.query));
@@ -106,7 +107,7 @@ std::vector<bool> group_filter::kept(const profile& trace) const {
   }
   if (process_) {
     for (std::size_t i = 0; i < kept.size(); ++i) {
-      const std::uint32_t place = trace.groups[i].process;
+      const std::uint32_t place = trace.groups.names(i).process;
       kept[i] = kept[i] && place < trace.processes.size() && is_process(trace.processes[place]);
     }
   }

@@ -1,8 +1,36 @@
 #include "report/group_lists.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace kiv::report {
+namespace {
+
+group_list list_of(const std::vector<split_amount>& sums, const name_book& names,
+                   const list_choice& choice, std::optional<std::size_t> top) {
+  group_list list;
+  list.by = choice.by;
+  list.of = choice.of;
+  for (std::uint32_t number = 0; number < sums.size(); ++number) {
+    list.total += sums[number];
+    if (sums[number].sum() != amount{}) list.rows.push_back({number, sums[number]});
+  }
+  std::ranges::sort(list.rows, [&](const list_row& a, const list_row& b) {
+    const amount sum_a = a.sum.sum(), sum_b = b.sum.sum();
+    if (sum_a.bytes != sum_b.bytes) return sum_a.bytes > sum_b.bytes;
+    if (sum_a.blocks != sum_b.blocks) return sum_a.blocks > sum_b.blocks;
+    return names.compare(choice.by, a.name, b.name) < 0;
+  });
+  if (top && *top < list.rows.size()) {
+    list.left_out = list.rows.size() - *top;
+    for (std::size_t i = *top; i < list.rows.size(); ++i) list.left_out_sum += list.rows[i].sum;
+    list.rows.resize(*top);
+  }
+  return list;
+}
+
+}  // namespace
 
 std::vector<named_trace> named_traces(const run_profile& run, const group_filter& filter,
                                       name_book& names) {
@@ -13,7 +41,7 @@ std::vector<named_trace> named_traces(const run_profile& run, const group_filter
   return traces;
 }
 
-std::uint32_t number_of(const named_trace& trace, const block_group& group, group_key key) {
+std::uint32_t number_of(const named_trace& trace, const group_names& group, group_key key) {
   const auto place = [&] {
     switch (key) {
       case group_key::id:
@@ -36,42 +64,46 @@ std::uint32_t number_of(const named_trace& trace, const block_group& group, grou
   return numbers[place < numbers.size() ? place : 0];
 }
 
-std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
-                                  group_key key, measure of) {
-  std::vector<split_amount> sums(names.size(key));
+std::vector<std::vector<split_amount>> sums_by(const std::vector<named_trace>& traces,
+                                               const name_book& names,
+                                               const std::vector<list_choice>& choices) {
+  std::vector<std::vector<split_amount>> sums;
+  std::array<std::vector<std::size_t>, measure_count> choices_of;
+  for (std::size_t c = 0; c < choices.size(); ++c) {
+    sums.emplace_back(names.size(choices[c].by));
+    choices_of[static_cast<std::size_t>(choices[c].of)].push_back(c);
+  }
   for (const auto& trace : traces) {
     for (std::size_t i = 0; i < trace.kept.size(); ++i) {
-      const block_group& group = trace.trace->groups[i];
       if (!trace.kept[i]) continue;
-      const amount counted = measured(group, of);
-      if (counted != amount{}) sums[number_of(trace, group, key)].add(group.no_free, counted);
+      const block_group group = trace.trace->groups[i];
+      for (std::size_t of = 0; of < measure_count; ++of) {
+        if (choices_of[of].empty()) continue;
+        const amount counted = measured(group, static_cast<measure>(of));
+        if (counted == amount{}) continue;
+        for (const std::size_t c : choices_of[of]) {
+          sums[c][number_of(trace, group, choices[c].by)].add(group.no_free, counted);
+        }
+      }
     }
   }
   return sums;
 }
 
-group_list make_list(const std::vector<named_trace>& traces, const name_book& names, group_key by,
-                     measure of, std::optional<std::size_t> top) {
-  group_list list;
-  list.by = by;
-  list.of = of;
-  const auto sums = sums_by(traces, names, by, of);
-  for (std::uint32_t number = 0; number < sums.size(); ++number) {
-    list.total += sums[number];
-    if (sums[number].sum() != amount{}) list.rows.push_back({number, sums[number]});
+std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
+                                  group_key key, measure of) {
+  return std::move(sums_by(traces, names, {{of, key}}).front());
+}
+
+std::vector<group_list> make_lists(const std::vector<named_trace>& traces, const name_book& names,
+                                   const std::vector<list_choice>& choices,
+                                   std::optional<std::size_t> top) {
+  const auto sums = sums_by(traces, names, choices);
+  std::vector<group_list> lists;
+  for (std::size_t c = 0; c < choices.size(); ++c) {
+    lists.push_back(list_of(sums[c], names, choices[c], top));
   }
-  std::ranges::sort(list.rows, [&](const list_row& a, const list_row& b) {
-    const amount sum_a = a.sum.sum(), sum_b = b.sum.sum();
-    if (sum_a.bytes != sum_b.bytes) return sum_a.bytes > sum_b.bytes;
-    if (sum_a.blocks != sum_b.blocks) return sum_a.blocks > sum_b.blocks;
-    return names.compare(by, a.name, b.name) < 0;
-  });
-  if (top && *top < list.rows.size()) {
-    list.left_out = list.rows.size() - *top;
-    for (std::size_t i = *top; i < list.rows.size(); ++i) list.left_out_sum += list.rows[i].sum;
-    list.rows.resize(*top);
-  }
-  return list;
+  return lists;
 }
 
 }  // namespace kiv::report

@@ -23,9 +23,13 @@ std::vector<named_trace> named_traces(const run_profile& run, const group_filter
                                       name_book& names);
 
 // Where the groups of a trace are found in `numbers` for a key.
-std::uint32_t number_of(const named_trace& trace, const block_group& group, group_key key);
+std::uint32_t number_of(const named_trace& trace, const group_names& group, group_key key);
 
-// The sums of a measure over the kept groups: one for each number of the key.
+// The sums of measures over the kept groups, for each choice one for each number of its key.
+std::vector<std::vector<split_amount>> sums_by(const std::vector<named_trace>& traces,
+                                               const name_book& names,
+                                               const std::vector<list_choice>& choices);
+// The same for one choice.
 std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
                                   group_key key, measure of);
 
@@ -45,7 +49,8 @@ struct group_list {
   split_amount left_out_sum;
 };
 
-group_list make_list(const std::vector<named_trace>& traces, const name_book& names, group_key by,
-                     measure of, std::optional<std::size_t> top);
+std::vector<group_list> make_lists(const std::vector<named_trace>& traces, const name_book& names,
+                                   const std::vector<list_choice>& choices,
+                                   std::optional<std::size_t> top);
 
 }  // namespace kiv::report

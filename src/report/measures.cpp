@@ -35,20 +35,4 @@ std::string_view title_of(measure of) {
   return titles[static_cast<std::size_t>(of)];
 }
 
-amount measured(const block_group& group, measure of) {
-  switch (of) {
-    case measure::leaked:
-      return group.leaked();
-    case measure::peak:
-      return group[figure::at_peak];
-    case measure::live:
-      return group[figure::live];
-    case measure::allocated:
-      return group[figure::made];
-    case measure::temporary:
-      return group[figure::temporary];
-  }
-  return {};
-}
-
 }  // namespace kiv::report

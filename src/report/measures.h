@@ -32,7 +32,26 @@ std::optional<measure> find_measure(std::string_view name);
 std::string_view title_of(group_key key);
 std::string_view title_of(measure of);
 
-amount measured(const block_group& group, measure of);
+struct list_choice {
+  measure of;
+  group_key by;
+};
+
+inline amount measured(const block_group& group, measure of) {
+  switch (of) {
+    case measure::leaked:
+      return group.leaked();
+    case measure::peak:
+      return group[figure::at_peak];
+    case measure::live:
+      return group[figure::live];
+    case measure::allocated:
+      return group[figure::made];
+    case measure::temporary:
+      return group[figure::temporary];
+  }
+  return {};
+}
 
 // An amount with an obligation to free and one without, apart.
 struct split_amount {

@@ -47,7 +47,8 @@ struct page_data {
   std::vector<std::string> left_out;  // in sentences, what was put together or cut
 };
 
-// False, with `error` set, when a filter's expression cannot be read or no run has such a process.
+// Of one run or two. False, with `error` set, when a filter's expression cannot be read or no run
+// has such a process.
 bool make_page_data(const std::vector<const run_profile*>& runs, const page_options& options,
                     page_data& into, std::string& error);
 

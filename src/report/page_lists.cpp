@@ -1,7 +1,10 @@
 #include "report/page_lists.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "report/json_size.h"
 
@@ -9,6 +12,8 @@ namespace kiv::report {
 namespace {
 
 constexpr std::string_view members = R"({"frames":[],"blocks":,"bytes":,"tot_bytes":},)";
+// More than any page has room for.
+constexpr std::size_t most_rows = 50'000;
 // A list without rows: its key, measure, total and others.
 constexpr std::size_t empty_list = 240;
 
@@ -34,50 +39,55 @@ struct whole_lists::fit {
 whole_lists::whole_lists(const std::vector<page_run>& runs, const name_book& names)
     : run_count_(runs.size()) {
   lists_.reserve(measure_count * key_count);
+  // To compare names all of them are needed.
+  const auto top = run_count_ == 1 ? std::optional(most_rows) : std::nullopt;
   for (std::size_t of = 0; of < measure_count; ++of) {
+    std::vector<list_choice> choices;
     for (std::size_t by = 0; by < key_count; ++by) {
-      compared_list& made = lists_.emplace_back();
-      for (const auto& run : runs) {
-        made.runs.push_back(
-            make_list(run.traces, names, static_cast<group_key>(by), static_cast<measure>(of), {}));
-      }
-      rank(made, names);
+      choices.push_back({static_cast<measure>(of), static_cast<group_key>(by)});
     }
+    const std::size_t first = lists_.size();
+    lists_.resize(first + key_count);
+    for (const auto& run : runs) {
+      auto lists = make_lists(run.traces, names, choices, top);
+      for (std::size_t by = 0; by < key_count; ++by) {
+        lists_[first + by].runs.push_back(std::move(lists[by]));
+      }
+    }
+    for (std::size_t by = 0; by < key_count; ++by) rank(lists_[first + by], names);
   }
 }
 
 void whole_lists::rank(compared_list& into, const name_book& names) {
-  const std::size_t run_count = into.runs.size();
-  if (run_count == 1) {
-    for (const auto& row : into.runs[0].rows) into.names.push_back({{&row}});
+  if (into.runs.size() == 1) {
+    for (const auto& row : into.runs[0].rows) into.names.push_back({&row, nullptr});
     return;
   }
-  std::vector<compared_list::name> by_number(names.size(into.runs[0].by));
+  std::vector<std::array<const list_row*, 2>> by_number(names.size(into.runs[0].by));
   std::vector<std::uint32_t> by_size;
-  for (std::size_t run = 0; run < run_count; ++run) {
+  for (std::size_t run = 0; run < 2; ++run) {
     for (const auto& row : into.runs[run].rows) {
-      auto& rows = by_number[row.name].rows;
-      if (rows.empty()) by_size.push_back(row.name);
-      rows.resize(run_count);
+      auto& rows = by_number[row.name];
+      if (!rows[0]) by_size.push_back(row.name);
       rows[run] = &row;
     }
   }
   const auto size = [&](std::uint32_t number) {
-    const auto& rows = by_number[number].rows;
-    return std::max(bytes_of(rows[0]), bytes_of(rows[1]));
+    const auto& [a, b] = by_number[number];
+    return std::max(bytes_of(a), bytes_of(b));
   };
   const auto change = [&](std::uint32_t number) {
-    const auto& rows = by_number[number].rows;
-    return size(number) - std::min(bytes_of(rows[0]), bytes_of(rows[1]));
+    const auto& [a, b] = by_number[number];
+    return size(number) - std::min(bytes_of(a), bytes_of(b));
   };
   auto by_change = by_size;
   std::ranges::stable_sort(by_size, std::ranges::greater(), size);
   std::ranges::stable_sort(by_change, std::ranges::greater(), change);
   for (std::size_t i = 0; i < by_size.size(); ++i) {
     for (const auto number : {by_change[i], by_size[i]}) {
-      auto& name = by_number[number];
-      if (!name.rows.empty()) into.names.push_back(std::move(name));
-      name.rows.clear();
+      auto& rows = by_number[number];
+      if (rows[0] || rows[1]) into.names.push_back(rows);
+      rows = {};
     }
   }
 }
@@ -86,16 +96,19 @@ void whole_lists::rank(compared_list& into, const name_book& names) {
 whole_lists::fit whole_lists::rows_that_fit(bool of_paths, shown_names& names,
                                             std::size_t budget) const {
   fit found;
+  std::size_t most = 0;
   for (const auto& list : lists_) {
     if ((list.runs[0].by == group_key::path) != of_paths) continue;
-    found.longest = std::max(found.longest, list.names.size());
+    most = std::max(most, list.names.size());
+    const std::size_t beyond = run_count_ == 1 ? list.runs[0].left_out : 0;
+    found.longest = std::max(found.longest, list.names.size() + beyond);
   }
-  for (; found.rows < found.longest; ++found.rows) {
+  for (; found.rows < most; ++found.rows) {
     std::size_t more = 0;
     for (const auto& list : lists_) {
       const group_key by = list.runs[0].by;
       if ((by == group_key::path) != of_paths || found.rows >= list.names.size()) continue;
-      for (const auto* row : list.names[found.rows].rows) {
+      for (const auto* row : list.names[found.rows]) {
         if (row) more += row_size(by, *row, names);
       }
       if (found.bytes + more > budget) return found;
@@ -135,9 +148,11 @@ group_list whole_lists::shown_part(const compared_list& from, std::size_t run, s
   part.by = whole.by;
   part.of = whole.of;
   part.total = whole.total;
+  part.left_out = whole.left_out;
+  part.left_out_sum = whole.left_out_sum;
   std::vector<const list_row*> rows;
   for (std::size_t i = 0; i < from.names.size(); ++i) {
-    const list_row* row = from.names[i].rows[run];
+    const list_row* row = from.names[i][run];
     if (!row) continue;
     if (i < names) {
       rows.push_back(row);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -36,10 +37,7 @@ class whole_lists {
     std::vector<group_list> runs;  // one for each
     // The names in the order in which they are shown as long as there is room: the largest first,
     // in a comparison in turn what changed most and what is largest. For each run its row or null.
-    struct name {
-      std::vector<const list_row*> rows;
-    };
-    std::vector<name> names;
+    std::vector<std::array<const list_row*, 2>> names;
   };
   struct fit;
   static void rank(compared_list& into, const name_book& names);

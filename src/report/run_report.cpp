@@ -30,16 +30,18 @@ trace_figures figures_of(const named_trace& named) {
   figures.trace = named.trace;
   for (std::size_t i = 0; i < named.kept.size(); ++i) {
     if (!named.kept[i]) continue;
-    const block_group& group = named.trace->groups[i];
-    const bool kind = group.no_free;
-    figures.allocated.add(kind, group[figure::made]);
-    figures.freed.add(kind, group[figure::freed]);
-    figures.leaked.add(kind, group.leaked());
-    figures.reset.add(kind, group[figure::reset]);
-    figures.released.add(kind, group[figure::released]);
-    figures.live.add(kind, group[figure::live]);
-    figures.at_peak.add(kind, group[figure::at_peak]);
-    figures.temporary.add(kind, group[figure::temporary]);
+    const block_group group = named.trace->groups[i];
+    const auto add = [&](split_amount& sum, const amount& more) {
+      if (more != amount{}) sum.add(group.no_free, more);
+    };
+    add(figures.allocated, group[figure::made]);
+    add(figures.freed, group[figure::freed]);
+    add(figures.leaked, group.leaked());
+    add(figures.reset, group[figure::reset]);
+    add(figures.released, group[figure::released]);
+    add(figures.live, group[figure::live]);
+    add(figures.at_peak, group[figure::at_peak]);
+    add(figures.temporary, group[figure::temporary]);
   }
   // Place 0 of a list is the unknown.
   const auto known = [](std::size_t count) { return count > 0 ? count - 1 : 0; };
@@ -84,9 +86,7 @@ bool make_report(const run_profile& run, const report_options& options, run_repo
   const auto traces = named_traces(run, filter, into.names);
   for (const auto& trace : traces) into.traces.push_back(figures_of(trace));
   into.process_ids = process_ids_of(traces, into.names);
-  for (const auto& [of, by] : options.lists) {
-    into.lists.push_back(make_list(traces, into.names, by, of, options.top));
-  }
+  into.lists = make_lists(traces, into.names, options.lists, options.top);
   return true;
 }
 

@@ -23,11 +23,6 @@ struct trace_figures {
 
 trace_figures figures_of(const named_trace& trace);
 
-struct list_choice {
-  measure of;
-  group_key by;
-};
-
 struct report_options {
   std::vector<list_choice> lists = {};
   std::optional<std::size_t> top = {};  // rows of a list; none: all

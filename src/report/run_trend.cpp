@@ -18,8 +18,9 @@ bool run_trend::add(const run_profile& run, std::string& error) {
   for (const auto& named : traces) {
     for (std::size_t i = 0; i < named.kept.size(); ++i) {
       if (!named.kept[i]) continue;
+      const block_group group = named.trace->groups[i];
       for (std::size_t of = 0; of < measure_count; ++of) {
-        point.totals[of] += measured(named.trace->groups[i], static_cast<measure>(of));
+        point.totals[of] += measured(group, static_cast<measure>(of));
       }
     }
   }

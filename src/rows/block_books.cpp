@@ -25,9 +25,10 @@ std::uint32_t block_books::group_of(const block_row& row) {
   g.process = names.process(row.at.pid);
   g.query = names.query(row.query_seq);
   const group_key key{g.no_free, g.id, g.color, g.line, g.path, g.process, g.query};
-  const auto [at, is_new] = groups_.try_emplace(key, static_cast<std::uint32_t>(p_.groups.size()));
+  const auto [at, is_new] =
+      groups_.try_emplace(key, static_cast<std::uint32_t>(all_groups_.size()));
   if (is_new) {
-    p_.groups.push_back(g);
+    all_groups_.push_back(g);
     peak_of_group_.push_back(peaks_);
     if (g.id >= level_of_id_.size()) level_of_id_.resize(g.id + std::size_t{1});
   }
@@ -36,7 +37,7 @@ std::uint32_t block_books::group_of(const block_row& row) {
 
 // What a group had at the peak is copied when it first changes afterwards.
 void block_books::change_live(std::uint32_t group, const amount& more, const amount& less) {
-  block_group& g = p_.groups[group];
+  block_group& g = all_groups_[group];
   if (peak_of_group_[group] != peaks_) {
     g[figure::at_peak] = g[figure::live];
     peak_of_group_[group] = peaks_;
@@ -64,9 +65,9 @@ void block_books::count(distribution of, const block_group& group, std::uint64_t
 void block_books::make(const block_row& row) {
   const std::uint32_t group = group_of(row);
   const amount size{1, row.size, row.tot_size};
-  p_.groups[group][figure::made] += size;
+  all_groups_[group][figure::made] += size;
   change_live(group, size, {});
-  count(distribution::size, p_.groups[group], row.size, row.size);
+  count(distribution::size, all_groups_[group], row.size, row.size);
   blocks_[row.record] = {group, row.record, row.size, row.tot_size, row.size, row.tot_size};
 }
 
@@ -76,7 +77,7 @@ bool block_books::resize(std::uint64_t made_by, const block_row& row) {
   live_block block = found->second;
   blocks_.erase(found);
   change_live(block.group, {1, row.size, row.tot_size}, {1, block.size, block.tot_size});
-  p_.groups[block.group].resizes += 1;
+  all_groups_[block.group].resizes += 1;
   block.size = row.size;
   block.tot_size = row.tot_size;
   blocks_[row.record] = block;
@@ -90,7 +91,7 @@ bool block_books::end(std::uint64_t made_by, std::uint64_t record, char type) {
   blocks_.erase(found);
   const amount size{1, block.size, block.tot_size};
   change_live(block.group, {}, size);
-  block_group& g = p_.groups[block.group];
+  block_group& g = all_groups_[block.group];
   const std::uint64_t life = record - block.made_record;
   if (type == 'f') {
     g[figure::freed] += size;
@@ -133,9 +134,10 @@ void block_books::end_record(std::uint64_t record, std::string_view time,
 
 void block_books::finish() {
   for (; next_mark_ < tables_.marks.size(); ++next_mark_) take_mark(tables_.marks[next_mark_]);
-  for (std::size_t i = 0; i < p_.groups.size(); ++i) {
-    if (peak_of_group_[i] != peaks_) p_.groups[i][figure::at_peak] = p_.groups[i][figure::live];
+  for (std::size_t i = 0; i < all_groups_.size(); ++i) {
+    if (peak_of_group_[i] != peaks_) all_groups_[i][figure::at_peak] = all_groups_[i][figure::live];
   }
+  for (const block_group& group : all_groups_) p_.groups.push_back(group);
   p_.timeline = timeline_.finish(level_of_id_);
   blocks_.clear();
 }

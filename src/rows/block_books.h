@@ -70,6 +70,7 @@ class block_books {
   std::uint64_t peaks_ = 0;
   amount live_;
   std::vector<std::uint64_t> level_of_id_;
+  std::vector<block_group> all_groups_;
   timeline_builder timeline_;
   level_changes since_mark_;
   std::size_t next_mark_ = 0;

@@ -17,7 +17,7 @@ void visit_lists(Profile& p, auto&& visit) {
   visit("call_path", p.paths, [](auto&& row, auto& v) { row(v.parent, v.function); });
   visit("process_name", p.processes, [](auto&& row, auto& v) { row(v.pid, v.name); });
   visit("query_text", p.queries, [](auto&& row, auto& v) { row(v); });
-  visit("block_group", p.groups, [](auto&& row, auto& v) {
+  visit("block_group", p.groups, [](auto&& row, auto&& v) {
     row(v.no_free, v.id, v.color, v.line, v.path, v.process, v.query, v.resizes);
     for (auto& f : v.figures) row(f.blocks, f.bytes, f.tot_bytes);
   });

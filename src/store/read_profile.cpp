@@ -51,6 +51,17 @@ class profile_reader {
     done_ = done_ && !query.failed();
   }
 
+  void operator()(const char* table, block_groups& list, auto columns_of) {
+    statement query = select(table, " ORDER BY place");
+    while (done_ && query.step()) {
+      fits_ = fits_ && query.number(1) == static_cast<std::int64_t>(list.size());
+      block_group group;
+      columns_of(column_reader(query, 2, fits_), group);
+      list.push_back(group);
+    }
+    done_ = done_ && !query.failed();
+  }
+
   template <class Owner>
   void operator()(const char* table, std::vector<Owner>& owners) {
     statement query = select(table, " ORDER BY 2, 3");

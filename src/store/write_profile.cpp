@@ -41,11 +41,10 @@ class profile_writer {
  public:
   profile_writer(database& db, std::int64_t trace) : db_(db), trace_(trace) {}
 
-  template <class Entry>
-  void operator()(const char* table, const std::vector<Entry>& list, auto columns_of) {
+  void operator()(const char* table, const auto& list, auto columns_of) {
     if (!done_ || list.empty()) return;
     int columns = 2;
-    columns_of(counter{&columns}, list.front());
+    columns_of(counter{&columns}, list[0]);
     statement insert = db_.prepare(insert_into(table, columns));
     done_ = static_cast<bool>(insert);
     for (std::size_t place = 0; done_ && place < list.size(); ++place) {

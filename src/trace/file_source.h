@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
+
+#include "util/memory_pages.h"
 
 namespace kiv {
 
@@ -29,7 +30,7 @@ class disk_files : public file_source {
   std::optional<bytes> read(const std::string& path, std::int64_t most) override;
 
  private:
-  std::unique_ptr<unsigned char[]> bytes_;
+  memory_pages bytes_;
 };
 
 // Files that are bytes in memory, by their paths.

@@ -170,6 +170,7 @@ void expect_true(const std::vector<run_profile>& runs, const made_page& made,
 struct made_size {
   std::uint32_t groups, lines, paths, ids = 20, queries = 30;
   std::size_t name_length = 0;  // of all names, at least
+  std::uint64_t steps = 1000;   // of the timeline
 };
 
 profile random_trace(const made_size& size, std::uint32_t seed, std::int64_t pid) {
@@ -276,7 +277,8 @@ TEST(Page, IsSmallHoweverLargeTheTraceIs) {
        [] {
          std::vector<profile> traces;
          for (std::uint32_t i = 1; i <= 300; ++i) {
-           traces.push_back(random_trace({.groups = 50, .lines = 50, .paths = 50}, i, i));
+           traces.push_back(
+               random_trace({.groups = 50, .lines = 50, .paths = 50, .steps = 200}, i, i));
          }
          return traces;
        }(),

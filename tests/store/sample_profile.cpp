@@ -104,7 +104,7 @@ run_profile small_run(const std::string& name, std::uint64_t leaked) {
   block_group g;
   g.id = 1;
   g[figure::made] = g[figure::live] = {1, leaked, leaked};
-  p.groups = {g};
+  p.groups.push_back(g);
   return {name, {p}};
 }
 

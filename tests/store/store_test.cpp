@@ -43,7 +43,7 @@ TEST_F(Store, TakesAnyName) {
   for (const auto& name : odd_names) {
     const auto run = s.load(name, error_);
     ASSERT_TRUE(run) << error_;
-    EXPECT_EQ(run->traces.at(0).groups.at(0).leaked().bytes, 20u);
+    EXPECT_EQ(run->traces.at(0).groups[0].leaked().bytes, 20u);
     auto view = store::prepare_view(s, "by_id", name, error_);
     ASSERT_TRUE(view) << error_;
     ASSERT_TRUE(view->step());

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "store/view_catalogue.h"
 #include "store_fixture.h"
@@ -26,7 +27,11 @@ TEST_F(StoreViews, AllAreDescribedAndCanBeRead) {
 TEST_F(StoreViews, TakeOneRunAlone) {
   auto other = rich_profile("S", 1);
   other.paths.push_back({3, 2});
-  for (auto& g : other.groups) g[figure::made].bytes += 7;
+  const block_groups before = std::exchange(other.groups, {});
+  for (block_group g : before) {
+    g[figure::made].bytes += 7;
+    other.groups.push_back(g);
+  }
   ASSERT_EQ(save({"R", {rich_profile("R", 1), rich_profile("R", 2, 2)}}), save_result::saved);
   ASSERT_EQ(save({"S", {other}}), save_result::saved);
   run_store s;

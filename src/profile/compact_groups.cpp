@@ -1,0 +1,185 @@
+#include "profile/compact_groups.h"
+
+#include <limits>
+
+namespace kiv {
+
+compact_groups::place compact_groups::add(const compact_key& key) {
+  if (size_ % chunk_size == 0) chunks_.emplace_back().reserve(chunk_size);
+  group& added = chunks_.back().emplace_back();
+  added.key = key;
+  added.peaks_seen = peaks_;
+  return size_++;
+}
+
+void compact_groups::drop_last() {
+  forget_full(at(size_ - 1));
+  chunks_.back().pop_back();
+  --size_;
+  if (size_ % chunk_size == 0) chunks_.pop_back();
+}
+
+void compact_groups::forget_full(const group& one) {
+  if (has_full(one)) free_full_.push_back(one.state);
+}
+
+group_figures compact_groups::unpacked(const group& one) {
+  group_figures figures;
+  if (one.state == no_block) return figures;
+  const amount block = single_block(one);
+  figures[figure::made] = block;
+  figures[static_cast<figure>(one.state & single_state)] = block;
+  if ((one.state & single_at_peak) != 0) figures[figure::at_peak] = block;
+  if ((one.state & single_temporary) != 0) figures[figure::temporary] = block;
+  return figures;
+}
+
+bool compact_groups::pack(const group_figures& figures, group& into) {
+  const amount& block = figures[figure::made];
+  constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+  if (figures.resizes != 0 || block.blocks != 1 || block.bytes > most || block.tot_bytes > most) {
+    return false;
+  }
+  std::uint32_t state = single;
+  bool ended = false;
+  for (const figure one : {figure::freed, figure::left_with_id, figure::reset, figure::released,
+                           figure::live, figure::at_peak, figure::temporary}) {
+    if (figures[one] == amount{}) continue;
+    if (figures[one] != block) return false;
+    if (one == figure::at_peak) {
+      state |= single_at_peak;
+    } else if (one == figure::temporary) {
+      state |= single_temporary;
+    } else {
+      if (ended) return false;
+      ended = true;
+      state |= static_cast<std::uint32_t>(one);
+    }
+  }
+  if (!ended) return false;
+  into.state = state;
+  into.size = static_cast<std::uint32_t>(block.bytes);
+  into.tot_size = static_cast<std::uint32_t>(block.tot_bytes);
+  return true;
+}
+
+group_figures& compact_groups::widen(group& one) {
+  if (has_full(one)) return full(one);
+  const group_figures figures = unpacked(one);
+  if (!free_full_.empty()) {
+    one.state = free_full_.back();
+    free_full_.pop_back();
+  } else {
+    if (full_.empty() || full_.back().size() == full_chunk_size) {
+      full_.emplace_back().reserve(full_chunk_size);
+    }
+    one.state =
+        static_cast<std::uint32_t>((full_.size() - 1) * full_chunk_size + full_.back().size());
+    full_.back().emplace_back();
+  }
+  return full(one) = figures;
+}
+
+void compact_groups::settle_peak(group& changed) {
+  if (changed.peaks_seen == peaks_) return;
+  changed.peaks_seen = peaks_;
+  if (has_full(changed)) {
+    group_figures& figures = full(changed);
+    figures[figure::at_peak] = figures[figure::live];
+  } else if (is_single(changed, figure::live)) {
+    changed.state |= single_at_peak;
+  } else if (changed.state != no_block) {
+    changed.state &= ~single_at_peak;
+  }
+}
+
+void compact_groups::settle_peaks() {
+  for (place i = 0; i < size_; ++i) settle_peak(at(i));
+}
+
+void compact_groups::make_block(place which, std::uint64_t size, std::uint64_t tot_size) {
+  group& changed = at(which);
+  settle_peak(changed);
+  constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+  if (changed.state == no_block && size <= most && tot_size <= most) {
+    changed.state = single | static_cast<std::uint32_t>(figure::live);
+    changed.size = static_cast<std::uint32_t>(size);
+    changed.tot_size = static_cast<std::uint32_t>(tot_size);
+    return;
+  }
+  group_figures& figures = widen(changed);
+  const amount block{1, size, tot_size};
+  figures[figure::made] += block;
+  figures[figure::live] += block;
+}
+
+void compact_groups::resize_block(place which, std::uint64_t size_change,
+                                  std::uint64_t tot_size_change) {
+  group& changed = at(which);
+  settle_peak(changed);
+  group_figures& figures = widen(changed);
+  figures[figure::live] += {0, size_change, tot_size_change};
+  ++figures.resizes;
+}
+
+void compact_groups::end_block(place which, figure how, const amount& block) {
+  group& changed = at(which);
+  settle_peak(changed);
+  if (is_single(changed, figure::live) && single_block(changed) == block) {
+    changed.state = (changed.state & ~single_state) | static_cast<std::uint32_t>(how);
+    return;
+  }
+  group_figures& figures = widen(changed);
+  figures[figure::live] -= block;
+  figures[how] += block;
+}
+
+void compact_groups::count_temporary(place which, const amount& block) {
+  group& changed = at(which);
+  if (is_single(changed, figure::freed) && single_block(changed) == block) {
+    changed.state |= single_temporary;
+  } else {
+    widen(changed)[figure::temporary] += block;
+  }
+}
+
+amount compact_groups::get(place which, figure of) const {
+  const group& one = at(which);
+  if (has_full(one)) return full(one)[of];
+  if (one.state == no_block) return {};
+  const bool counts = of == figure::made ||
+                      (one.state & single_state) == static_cast<std::uint32_t>(of) ||
+                      (of == figure::at_peak && (one.state & single_at_peak) != 0) ||
+                      (of == figure::temporary && (one.state & single_temporary) != 0);
+  return counts ? single_block(one) : amount{};
+}
+
+group_figures compact_groups::get(place which) const {
+  const group& one = at(which);
+  return has_full(one) ? full(one) : unpacked(one);
+}
+
+void compact_groups::add(place which, const group_figures& more) {
+  group& changed = at(which);
+  settle_peak(changed);
+  if (changed.state == no_block && pack(more, changed)) return;
+  widen(changed) += more;
+}
+
+void compact_groups::move_figures(place from, place to) {
+  group& source = at(from);
+  group& target = at(to);
+  settle_peak(source);
+  settle_peak(target);
+  if (target.state == no_block) {
+    target.state = source.state;
+    target.size = source.size;
+    target.tot_size = source.tot_size;
+  } else {
+    widen(target) += get(from);
+    forget_full(source);
+  }
+  source.state = no_block;
+}
+
+}  // namespace kiv
