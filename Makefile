@@ -1,7 +1,7 @@
 # Thin: the build is CMake's (see CMakePresets.json), the work is in scripts/. Each command first
 # installs the Debian packages that it needs (scripts/setup.sh), as root or by sudo.
 .DEFAULT_GOAL := help
-.PHONY: help build demo test bench check test32 format package try-package clean
+.PHONY: help build demo test test-page bench check test32 format package try-package clean
 
 help: ## Show this list
 	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
@@ -22,9 +22,12 @@ bench: ## Build and run the benchmarks
 	@scripts/setup.sh build bench
 	@scripts/bench.sh
 
-check: ## The slow checks: format, includes, clang, sanitizers, clang-tidy, fuzzing
-	@scripts/setup.sh build test format check
+check: ## The slow checks: format, includes, the page, clang, sanitizers, clang-tidy, fuzzing
+	@scripts/setup.sh build test format check browser
 	@scripts/check.sh
+
+test-page: ## Open pages of kivdb html in a browser and test them
+	@scripts/test_browser.sh
 
 test32: ## Run the tests as 32-bit x86; adds g++-multilib to the system, its libraries to build/
 	@scripts/setup.sh build test test32

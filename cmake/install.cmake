@@ -20,7 +20,7 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 if(KIV_DATABASE)
   install(FILES ${D3_LICENCE} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright.d3)
 endif()
-file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.png)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Data that README.md works on, so not below doc/, which small systems leave out.

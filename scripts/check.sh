@@ -12,6 +12,12 @@ scripts/format.sh --check
 step "includes between the folders of src"
 scripts/check_includes.sh src
 
+step "types of the page's scripts"
+scripts/check_page.sh
+
+step "the page in a browser"
+scripts/test_browser.sh -q
+
 step "clang, warnings as errors, address and undefined behaviour sanitizers"
 cmake --preset asan -DKIV_BENCH=ON >/dev/null
 cmake --build --preset asan

@@ -9,7 +9,8 @@ build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlit
 test         libgtest-dev python3
 bench        libbenchmark-dev valgrind
 format       clang-format-14 git
-check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev
+check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev node-typescript
+browser      chromium chromium-driver python3-pytest python3-selenium fonts-dejavu-core
 test32       g++-multilib
 emulate32    qemu-user
 package      dpkg-dev file
