@@ -35,6 +35,7 @@ std::vector<page_bar> bars_of(const named_trace& trace, const std::vector<bool>&
     sum.bytes += bar.bytes;
   }
   std::vector<page_bar> list;
+  list.reserve(bars.size());
   for (const auto& [place, bar] : bars) list.push_back(bar);
   return list;
 }

@@ -17,6 +17,9 @@ constexpr timeline_limits all_limits[] = {{1000, 8}, {500, 8}, {250, 8}, {125, 8
                                           {60, 4},   {60, 2},  {30, 2},  {30, 1},  {15, 1},
                                           {15, 0},   {8, 0},   {4, 0},   {2, 0},   {1, 0}};
 
+// Markers of a trace.
+constexpr std::size_t all_most_marks[] = {200, 100, 50, 20, 10, 5, 2, 1, 0};
+
 // The places of the ids with the highest levels, the highest first.
 std::vector<std::uint32_t> highest_ids(const profile& trace, std::size_t most) {
   std::vector<std::uint64_t> highest(trace.ids.size());
@@ -157,7 +160,7 @@ page_timelines fitting_timelines(const std::vector<page_run>& runs, std::size_t 
 page_marks fitting_marks(const std::vector<page_run>& runs, shown_names& names,
                          std::size_t budget) {
   page_marks page;
-  for (const std::size_t most : {200, 100, 50, 20, 10, 5, 2, 1, 0}) {
+  for (const std::size_t most : all_most_marks) {
     page = marks_of(runs, names, most);
     if (page.bytes <= budget) break;
   }

@@ -45,7 +45,7 @@ std::string shown_names::unique(group_key key, std::string name) {
   auto& given = given_[index(key)];
   if (given.try_emplace(name, 1).second) return name;
   for (;;) {
-    const std::string next = fmt::format("{} ({})", name, ++given[name]);
+    std::string next = fmt::format("{} ({})", name, ++given[name]);
     if (given.try_emplace(next, 1).second) return next;
   }
 }

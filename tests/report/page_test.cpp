@@ -20,7 +20,7 @@ using test::made_profile;
 using test::read_json;
 using test::run_of;
 
-constexpr std::size_t usual_budget = page_options().budget;
+const std::size_t usual_budget = page_options().budget;
 
 struct made_page {
   std::string text;
