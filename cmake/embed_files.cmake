@@ -9,6 +9,8 @@ function(embed_files target name)
     DEPENDS ${ARGN} ${script}
     VERBATIM)
   target_sources(${target} PRIVATE ${generated})
+  # Its names for the files are those of every such source.
+  set_source_files_properties(${generated} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
 
 # The same for the SQL files of a directory, in alphabetical order.

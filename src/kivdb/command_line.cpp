@@ -1,5 +1,6 @@
 #include "kivdb/command_line.h"
 
+#include <exception>
 #include <iostream>
 #include <new>
 #include <string>
@@ -46,6 +47,8 @@ int kivdb_main(int argc, char** argv) {
     return program.run(argc, argv);
   } catch (const std::bad_alloc&) {
     return complain("out of memory");
+  } catch (const std::exception& failure) {
+    return complain(failure.what());
   }
 }
 

@@ -63,8 +63,11 @@ class block_groups {
     const context& rest = contexts_[key.context];
     return {rest.no_free, id, color, key.line, key.path, rest.process, rest.query};
   }
-  amount get(std::size_t place, figure of) const {
-    return groups_.get(static_cast<compact_groups::place>(place), of);
+  bool no_free(std::size_t place) const {
+    return contexts_[groups_.key(static_cast<compact_groups::place>(place)).context].no_free;
+  }
+  group_figures figures(std::size_t place) const {
+    return groups_.get(static_cast<compact_groups::place>(place));
   }
 
   void push_back(const block_group& group) { groups_.add(groups_.add(key_of(group)), group); }

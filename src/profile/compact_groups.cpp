@@ -1,6 +1,8 @@
 #include "profile/compact_groups.h"
 
+#include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace kiv {
 
@@ -143,17 +145,6 @@ void compact_groups::count_temporary(place which, const amount& block) {
   }
 }
 
-amount compact_groups::get(place which, figure of) const {
-  const group& one = at(which);
-  if (has_full(one)) return full(one)[of];
-  if (one.state == no_block) return {};
-  const bool counts = of == figure::made ||
-                      (one.state & single_state) == static_cast<std::uint32_t>(of) ||
-                      (of == figure::at_peak && (one.state & single_at_peak) != 0) ||
-                      (of == figure::temporary && (one.state & single_temporary) != 0);
-  return counts ? single_block(one) : amount{};
-}
-
 group_figures compact_groups::get(place which) const {
   const group& one = at(which);
   return has_full(one) ? full(one) : unpacked(one);
@@ -180,6 +171,44 @@ void compact_groups::move_figures(place from, place to) {
     forget_full(source);
   }
   source.state = no_block;
+}
+
+bool compact_groups::is_over(place which) const {
+  const group& one = at(which);
+  return has_full(one) ? full(one)[figure::live] == amount{} : !is_single(one, figure::live);
+}
+
+void compact_groups::save(place which, std::string& into) {
+  static_assert(std::is_trivially_copyable_v<group> && std::is_trivially_copyable_v<group_figures>);
+  group& one = at(which);
+  settle_peak(one);
+  into.append(reinterpret_cast<const char*>(&one), sizeof one);
+  if (has_full(one)) into.append(reinterpret_cast<const char*>(&full(one)), sizeof(group_figures));
+}
+
+void compact_groups::forget(place which) {
+  forget_full(at(which));
+  at(which).state = no_block;
+}
+
+bool compact_groups::load(std::string_view& saved, place which) {
+  if (saved.size() < sizeof(group)) return false;
+  group one;
+  std::memcpy(&one, saved.data(), sizeof one);
+  std::size_t length = sizeof one;
+  if (has_full(one)) length += sizeof(group_figures);
+  if (saved.size() < length) return false;
+  group& loaded = at(which);
+  if (has_full(one)) {
+    std::memcpy(&widen(loaded), saved.data() + sizeof one, sizeof(group_figures));
+    loaded.key = one.key;
+    loaded.peaks_seen = one.peaks_seen;
+  } else {
+    loaded = one;
+  }
+  saved.remove_prefix(length);
+  settle_peak(loaded);
+  return true;
 }
 
 }  // namespace kiv

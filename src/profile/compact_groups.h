@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -53,12 +55,21 @@ class compact_groups {
   void settle_peaks();
 
   bool is_empty(place which) const { return at(which).state == no_block; }
-  amount get(place which, figure of) const;
   group_figures get(place which) const;
   // Adds the figures of others, up to the latest peak.
   void add(place which, const group_figures& more);
   // The figures of one group are added to those of another; the first has no blocks then.
   void move_figures(place from, place to);
+
+  // Whether all blocks of the group have ended.
+  bool is_over(place which) const;
+  // Puts all that is known of a group that is over behind `into`.
+  void save(place which, std::string& into);
+  // It has no blocks then.
+  void forget(place which);
+  // Puts the group that stands at the beginning of `saved`, which loses it, in the place of one
+  // without blocks. False, and nothing is changed, when only a part of it is there.
+  bool load(std::string_view& saved, place which);
 
  private:
   // What `state` says of a group that never had more than one block.

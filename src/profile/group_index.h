@@ -29,6 +29,7 @@ class group_index {
   place find_or_insert(place which) { return *places_.insert(which).first; }
   void erase(place which) { places_.erase(which); }
   void clear() { places_ = set(0, places_.hash_function(), places_.key_eq()); }
+  void reserve(std::size_t count) { places_.reserve(count); }
   std::size_t size() const { return places_.size(); }
 
  private:

@@ -1,13 +1,24 @@
 #include "profile/group_table.h"
 
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "profile/name_lists.h"
 
 namespace kiv {
 
+namespace {
+
+constexpr std::size_t piece_size = std::size_t{64} * 1024;  // written or read at once
+
+}  // namespace
+
 group_table::handle group_table::find_or_add(const group_key& key) {
-  if (index_.size() >= max_groups) {
+  if (index_.size() >= set_aside_at_) set_aside();
+  if (index_.size() + groups_aside_ >= max_groups) {
     const auto known = known_key(key);
     const handle* group = known ? index_.find(*known) : nullptr;
     return group != nullptr ? *group : fold(key);
@@ -55,8 +66,64 @@ group_table::handle group_table::set_query(handle which, std::uint64_t query) {
   return kept;
 }
 
+bool group_table::may_set_aside(handle which) const {
+  return !groups_.is_empty(which) && groups_.is_over(which) &&
+         contexts_[groups_.key(which).context].query != group_key::open_query;
+}
+
+void group_table::set_aside() {
+  std::string bytes;
+  std::vector<handle> in_bytes;
+  for (handle i = 0; i < groups_.size(); ++i) {
+    if (may_set_aside(i)) {
+      groups_.save(i, bytes);
+      in_bytes.push_back(i);
+    }
+    if (bytes.size() < piece_size && i + 1 < groups_.size()) continue;
+    if (!aside_.append(bytes)) {
+      set_aside_at_ = max_groups;  // no room on the disk: all others stay
+      break;
+    }
+    for (const handle saved : in_bytes) {
+      groups_.forget(saved);
+      free_.push_back(saved);
+    }
+    groups_aside_ += in_bytes.size();
+    in_bytes.clear();
+    bytes.clear();
+  }
+  // Going over all groups pays when many have come since.
+  const std::size_t left = groups_.size() - free_.size();
+  if (set_aside_at_ < max_groups) set_aside_at_ = std::max(least_groups_to_set_aside, 2 * left);
+  // Made anew it is faster than with the gaps of so many that are gone.
+  index_.clear();
+  index_.reserve(set_aside_at_);
+  for (handle i = 0; i < groups_.size(); ++i) {
+    if (!groups_.is_empty(i)) index_.find_or_insert(i);
+  }
+}
+
+void group_table::bring_back() {
+  std::string bytes, left;
+  if (free_.empty()) free_.push_back(groups_.add({}));
+  while (groups_aside_ > 0) {
+    if (!aside_.read(bytes, piece_size) || bytes.empty()) {
+      throw std::runtime_error("groups of blocks that were set aside on disk cannot be read");
+    }
+    left += bytes;
+    std::string_view saved = left;
+    while (groups_.load(saved, free_.back())) {
+      free_.pop_back();
+      if (free_.empty()) free_.push_back(groups_.add({}));
+      --groups_aside_;
+    }
+    left.erase(0, left.size() - saved.size());
+  }
+}
+
 block_groups group_table::take(name_lists& names) {
   index_.clear();
+  bring_back();
   free_ = {};
   block_groups::key_parts parts;
   for (const auto& location : lines_.all()) {

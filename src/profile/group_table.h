@@ -10,6 +10,7 @@
 #include "profile/compact_groups.h"
 #include "profile/group_index.h"
 #include "util/numbering.h"
+#include "util/scratch_file.h"
 
 namespace kiv {
 
@@ -29,7 +30,8 @@ struct group_key {
   bool no_free = false;
 };
 
-// The groups of blocks of a trace while it is replayed.
+// The groups of blocks of a trace while it is replayed. A handle holds as long as the group has
+// live blocks or belongs to the open bracket.
 class group_table {
  public:
   using handle = compact_groups::place;
@@ -50,14 +52,16 @@ class group_table {
   // takes the figures over: it comes back, else the group itself.
   handle set_query(handle which, std::uint64_t query);
 
-  // Hands over every group under its names. The table is empty then.
+  // Hands over every group under its names. The table is empty then. Throws std::runtime_error when
+  // what was set aside cannot be read.
   block_groups take(name_lists& names);
 
   // How many blocks went to groups that stand for those that were too many.
   std::uint64_t blocks_folded() const { return blocks_folded_; }
 
  private:
-  static constexpr std::size_t max_groups = 1'000'000;
+  static constexpr std::size_t max_groups = 1'000'000;  // those aside included
+  static constexpr std::size_t least_groups_to_set_aside = 196'608;
 
   struct context {
     std::uint32_t process = 0;
@@ -74,6 +78,10 @@ class group_table {
   // None when a part of the key has not occurred yet.
   std::optional<compact_key> known_key(const group_key& key) const;
   handle fold(const group_key& key);
+  bool may_set_aside(handle which) const;
+  // Sets groups aside whose blocks have all ended, so that memory follows the live blocks.
+  void set_aside();
+  void bring_back();
 
   compact_groups groups_;
   group_index index_;
@@ -82,6 +90,10 @@ class group_table {
   numbering<context> contexts_;
   std::vector<handle> free_;  // groups that were merged into others
   std::uint64_t blocks_folded_ = 0;
+
+  scratch_file aside_;
+  std::size_t groups_aside_ = 0;
+  std::size_t set_aside_at_ = least_groups_to_set_aside;
 };
 
 }  // namespace kiv

@@ -57,6 +57,7 @@ bool profile_trace(const std::string& header_path, profile& into, std::string& e
   losses.follow(reader);
   profiler observer(reader);
   reader.ReadEvents(observer);
+  files.release();
   observer.finish(into);
   into.losses = losses.found();
   return true;

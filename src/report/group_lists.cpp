@@ -64,25 +64,26 @@ std::uint32_t number_of(const named_trace& trace, const group_names& group, grou
   return numbers[place < numbers.size() ? place : 0];
 }
 
-std::vector<std::vector<split_amount>> sums_by(const std::vector<named_trace>& traces,
-                                               const name_book& names,
-                                               const std::vector<list_choice>& choices) {
-  std::vector<std::vector<split_amount>> sums;
+group_sums sum_up(const std::vector<named_trace>& traces, const name_book& names,
+                  const std::vector<list_choice>& choices) {
+  group_sums sums;
   std::array<std::vector<std::size_t>, measure_count> choices_of;
   for (std::size_t c = 0; c < choices.size(); ++c) {
-    sums.emplace_back(names.size(choices[c].by));
+    sums.lists.emplace_back(names.size(choices[c].by));
     choices_of[static_cast<std::size_t>(choices[c].of)].push_back(c);
   }
   for (const auto& trace : traces) {
+    auto& totals = sums.traces.emplace_back();
     for (std::size_t i = 0; i < trace.kept.size(); ++i) {
       if (!trace.kept[i]) continue;
       const block_group group = trace.trace->groups[i];
+      (group.no_free ? totals.no_free : totals.with_free) += group;
       for (std::size_t of = 0; of < measure_count; ++of) {
         if (choices_of[of].empty()) continue;
         const amount counted = measured(group, static_cast<measure>(of));
         if (counted == amount{}) continue;
         for (const std::size_t c : choices_of[of]) {
-          sums[c][number_of(trace, group, choices[c].by)].add(group.no_free, counted);
+          sums.lists[c][number_of(trace, group, choices[c].by)].add(group.no_free, counted);
         }
       }
     }
@@ -92,16 +93,15 @@ std::vector<std::vector<split_amount>> sums_by(const std::vector<named_trace>& t
 
 std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
                                   group_key key, measure of) {
-  return std::move(sums_by(traces, names, {{of, key}}).front());
+  return std::move(sum_up(traces, names, {{of, key}}).lists.front());
 }
 
-std::vector<group_list> make_lists(const std::vector<named_trace>& traces, const name_book& names,
+std::vector<group_list> make_lists(const group_sums& sums, const name_book& names,
                                    const std::vector<list_choice>& choices,
                                    std::optional<std::size_t> top) {
-  const auto sums = sums_by(traces, names, choices);
   std::vector<group_list> lists;
   for (std::size_t c = 0; c < choices.size(); ++c) {
-    lists.push_back(list_of(sums[c], names, choices[c], top));
+    lists.push_back(list_of(sums.lists[c], names, choices[c], top));
   }
   return lists;
 }

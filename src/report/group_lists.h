@@ -25,11 +25,18 @@ std::vector<named_trace> named_traces(const run_profile& run, const group_filter
 // Where the groups of a trace are found in `numbers` for a key.
 std::uint32_t number_of(const named_trace& trace, const group_names& group, group_key key);
 
-// The sums of measures over the kept groups, for each choice one for each number of its key.
-std::vector<std::vector<split_amount>> sums_by(const std::vector<named_trace>& traces,
-                                               const name_book& names,
-                                               const std::vector<list_choice>& choices);
-// The same for one choice.
+// The sums over the kept groups.
+struct group_sums {
+  struct of_trace {
+    group_figures with_free, no_free;
+  };
+  std::vector<of_trace> traces;
+  // Of a measure, for each choice one for each number of its key.
+  std::vector<std::vector<split_amount>> lists;
+};
+group_sums sum_up(const std::vector<named_trace>& traces, const name_book& names,
+                  const std::vector<list_choice>& choices);
+// The sums of one measure by one key.
 std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
                                   group_key key, measure of);
 
@@ -49,7 +56,7 @@ struct group_list {
   split_amount left_out_sum;
 };
 
-std::vector<group_list> make_lists(const std::vector<named_trace>& traces, const name_book& names,
+std::vector<group_list> make_lists(const group_sums& sums, const name_book& names,
                                    const std::vector<list_choice>& choices,
                                    std::optional<std::size_t> top);
 

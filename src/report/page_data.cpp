@@ -33,7 +33,11 @@ bool find_runs(const std::vector<const run_profile*>& runs, const page_options& 
   for (const auto* run : runs) {
     page.runs.push_back({run, named_traces(*run, filter, page.names)});
     auto& figures = page.figures.emplace_back();
-    for (const auto& trace : page.runs.back().traces) figures.push_back(figures_of(trace));
+    const auto& traces = page.runs.back().traces;
+    const group_sums sums = sum_up(traces, page.names, {});
+    for (std::size_t i = 0; i < traces.size(); ++i) {
+      figures.push_back(figures_of(traces[i], sums.traces[i]));
+    }
   }
   return true;
 }

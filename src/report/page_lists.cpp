@@ -49,7 +49,7 @@ whole_lists::whole_lists(const std::vector<page_run>& runs, const name_book& nam
     const std::size_t first = lists_.size();
     lists_.resize(first + key_count);
     for (const auto& run : runs) {
-      auto lists = make_lists(run.traces, names, choices, top);
+      auto lists = make_lists(sum_up(run.traces, names, choices), names, choices, top);
       for (std::size_t by = 0; by < key_count; ++by) {
         lists_[first + by].runs.push_back(std::move(lists[by]));
       }

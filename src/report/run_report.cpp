@@ -25,24 +25,18 @@ std::vector<std::vector<std::uint32_t>> process_ids_of(const std::vector<named_t
 
 }  // namespace
 
-trace_figures figures_of(const named_trace& named) {
+trace_figures figures_of(const named_trace& named, const group_sums::of_trace& sums) {
   trace_figures figures;
   figures.trace = named.trace;
-  for (std::size_t i = 0; i < named.kept.size(); ++i) {
-    if (!named.kept[i]) continue;
-    const block_group group = named.trace->groups[i];
-    const auto add = [&](split_amount& sum, const amount& more) {
-      if (more != amount{}) sum.add(group.no_free, more);
-    };
-    add(figures.allocated, group[figure::made]);
-    add(figures.freed, group[figure::freed]);
-    add(figures.leaked, group.leaked());
-    add(figures.reset, group[figure::reset]);
-    add(figures.released, group[figure::released]);
-    add(figures.live, group[figure::live]);
-    add(figures.at_peak, group[figure::at_peak]);
-    add(figures.temporary, group[figure::temporary]);
-  }
+  const auto sum = [&](figure of) { return split_amount{sums.with_free[of], sums.no_free[of]}; };
+  figures.allocated = sum(figure::made);
+  figures.freed = sum(figure::freed);
+  figures.leaked.with_free = sums.with_free[figure::left_with_id] + sums.with_free[figure::live];
+  figures.reset = sum(figure::reset);
+  figures.released = sum(figure::released);
+  figures.live = sum(figure::live);
+  figures.at_peak = sum(figure::at_peak);
+  figures.temporary = sum(figure::temporary);
   // Place 0 of a list is the unknown.
   const auto known = [](std::size_t count) { return count > 0 ? count - 1 : 0; };
   figures.processes = known(named.trace->processes.size());
@@ -84,9 +78,12 @@ bool make_report(const run_profile& run, const report_options& options, run_repo
   into.complete = is_complete(run);
   into.from_rows = std::ranges::any_of(run.traces, &profile::from_rows);
   const auto traces = named_traces(run, filter, into.names);
-  for (const auto& trace : traces) into.traces.push_back(figures_of(trace));
+  const group_sums sums = sum_up(traces, into.names, options.lists);
+  for (std::size_t i = 0; i < traces.size(); ++i) {
+    into.traces.push_back(figures_of(traces[i], sums.traces[i]));
+  }
   into.process_ids = process_ids_of(traces, into.names);
-  into.lists = make_lists(traces, into.names, options.lists, options.top);
+  into.lists = make_lists(sums, into.names, options.lists, options.top);
   return true;
 }
 

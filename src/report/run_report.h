@@ -21,7 +21,7 @@ struct trace_figures {
   std::size_t ids = 0;
 };
 
-trace_figures figures_of(const named_trace& trace);
+trace_figures figures_of(const named_trace& trace, const group_sums::of_trace& sums);
 
 struct report_options {
   std::vector<list_choice> lists = {};

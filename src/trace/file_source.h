@@ -28,6 +28,8 @@ class file_source {
 class disk_files : public file_source {
  public:
   std::optional<bytes> read(const std::string& path, std::int64_t most) override;
+  // Gives the memory of the last file back.
+  void release() { bytes_ = {}; }
 
  private:
   memory_pages bytes_;
