@@ -154,7 +154,7 @@ TEST(Driver, AFileSizeLimitIsAFailedWriteAndTheRunGoesOn) {
   const test::temp_dir dir;
   trace t;
   t.runid("R").reserve(1, "oic:x");
-  for (std::uint32_t i = 1; i <= 9; ++i) t.malloc_wf(1, 0, i * 16, 8, 16);
+  for (std::uint32_t i = 1; i <= 9; ++i) t.malloc_wf(1, 0, std::int64_t{16} * i, 8, 16);
   ASSERT_TRUE(t.write(dir.path()));
   const std::string command = "cd " + dir.path() + " && (ulimit -f 4; " KIV_PROGRAM " -H " +
                               t.header_name() + ") >out 2>err";

@@ -94,7 +94,7 @@ bool hands_on(const call_tree& tree, std::size_t i) {
 
 void add_row(aligned_table& table, const call_tree& tree, std::size_t i) {
   const tree_row& row = tree.rows[i];
-  std::string name(2 * std::min(row.depth, deepest_indent), ' ');
+  std::string name(std::size_t{2} * std::min(row.depth, deepest_indent), ' ');
   if (row.depth > deepest_indent) name += fmt::format("[{}] ", row.depth);
   name += function_of(tree, row);
   table.add({row.inclusive.bytes, human_share(row.inclusive.bytes, tree.total.bytes),
@@ -110,8 +110,8 @@ void add_rows(aligned_table& table, const call_tree& tree) {
       if (length > longest_chain && i + 1 == first + chain_ends) {
         const std::size_t hidden = length - 2 * chain_ends;
         const std::uint32_t depth = std::min(tree.rows[i].depth + 1, deepest_indent);
-        table.add_below(std::string(2 * depth, ' ') + "... " + grouped(std::uint64_t{hidden}) +
-                        " calls deeper ...");
+        table.add_below(std::string(std::size_t{2} * depth, ' ') + "... " +
+                        grouped(std::uint64_t{hidden}) + " calls deeper ...");
         i += hidden;
       }
     }

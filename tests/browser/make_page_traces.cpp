@@ -74,7 +74,7 @@ trace taking(const char* program, u32 pid, u32 count, u32 size, u32 seconds) {
   t.reserve(3, "oic:shared").reserve(pid, std::string("oic:") + program);
   t.hashloc(first_line + pid, std::string(program) + ".c:10");
   for (u32 n = 0; n < count; ++n) {
-    const i64 block = first_block + 0x1000 * n;
+    const i64 block = first_block + i64{0x1000} * n;
     t.time(start_of_all, (n * 7 + pid) * 1'000'000).sbrk(block, 4096);
     t.malloc_wf(n % 3 == 0 ? 3 : pid, 0, block, size + n, size + n + 8, first_line + pid);
     if (n % 2 == 1) t.free(n % 3 == 0 ? 3 : pid, 0, block, first_line + pid);

@@ -183,7 +183,7 @@ TEST(Profile, TheTimelineIsBoundedAndKeepsHighestAndLast) {
     auto now = live.back();
     if (blocks.empty() || random() % 5 < 3) {
       const std::uint32_t id = 1 + random() % 2, size = 1 + random() % 1000;
-      t.malloc_wf(id, 0, i * 16, size, size);
+      t.malloc_wf(id, 0, std::int64_t{16} * i, size, size);
       now[0] += size;
       now[id] += size;
       blocks.emplace_back(id, i);
@@ -192,7 +192,7 @@ TEST(Profile, TheTimelineIsBoundedAndKeepsHighestAndLast) {
       const auto [id, made] = blocks.back();
       blocks.pop_back();
       const std::uint64_t size = live[made][0] - live[made - 1][0];
-      t.free(id, 0, made * 16);
+      t.free(id, 0, std::int64_t{16} * made);
       now[0] -= size;
       now[id] -= size;
     }

@@ -188,8 +188,9 @@ profile random_trace(const made_size& size, std::uint32_t seed, std::int64_t pid
   for (std::uint32_t i = 1; i < size.ids; ++i) {
     trace.ids.push_back({i, name("id ", i), ""});
     trace.colors.push_back({i, 1, "small"});
-    trace.histograms.push_back({distribution::size, false, i, 4, i, 16 * i});
-    trace.histograms.push_back({distribution::lifetime, true, i, -1, 2 * i, 16 * i});
+    trace.histograms.push_back({distribution::size, false, i, 4, i, std::uint64_t{16} * i});
+    trace.histograms.push_back(
+        {distribution::lifetime, true, i, -1, std::uint64_t{2} * i, std::uint64_t{16} * i});
   }
   for (std::uint32_t i = 1; i < size.queries; ++i) trace.queries.push_back(name("SELECT ", i));
   for (std::uint32_t i = 1; i < 100; ++i) trace.functions.push_back({"app", name("f", i)});

@@ -48,7 +48,7 @@ TEST_F(LoadRows, KeepsEveryValue) {
     EXPECT_EQ(rejected_, texts{});
     for (const auto& table : csv_tables()) {
       std::string all;
-      for (auto row : rows("SELECT * FROM " + std::string(table.name) + " ORDER BY rowid")) {
+      for (const auto& row : rows("SELECT * FROM " + std::string(table.name) + " ORDER BY rowid")) {
         ASSERT_TRUE(row.starts_with("it's|")) << row;
         all += sample + row.substr(4) + (table.end == row_end::marker ? "<<>>\n" : "\n");
       }

@@ -38,7 +38,7 @@ class text_writer {
 
 profile rich_profile(const std::string& run, std::int64_t pid, std::size_t scale) {
   numbers n;
-  const std::string odd = std::string("it's \"odd\"/\n\xff\x01", 15) + std::string(1, '\0') + "end";
+  const std::string odd = std::string("it's \"odd\"/\n\xff\x01") + std::string(2, '\0') + "end";
   profile p;
   p.run = run;
   p.pid = pid;
