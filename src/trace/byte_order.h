@@ -20,4 +20,12 @@ T load(const unsigned char* bytes, bool little_endian) {
   return little_endian == host_is_little ? value : byte_swap(value);
 }
 
+// Writes a number at `bytes` in the given byte order.
+template <std::unsigned_integral T>
+void store_number(unsigned char* bytes, T value, bool little_endian) {
+  constexpr bool host_is_little = std::endian::native == std::endian::little;
+  if (little_endian != host_is_little) value = byte_swap(value);
+  std::memcpy(bytes, &value, sizeof value);
+}
+
 }  // namespace kiv

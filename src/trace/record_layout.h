@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "trace/kiv_type.h"
+#include "trace/record_types.h"
 
 namespace kiv {
 
@@ -17,6 +19,8 @@ class record_layout {
 
   record_layout() = default;
   explicit record_layout(const kiv_hdr& header);
+  // Of the definitions that a header is made from.
+  explicit record_layout(std::span<const record_definition> definitions);
 
   // The widths of a type's fields in bytes, max_fields of them; 0 for a field or a type that the
   // header does not define.

@@ -10,10 +10,13 @@
 #include <utility>
 #include <vector>
 
+#include "trace/header_text.h"
+#include "trace/record_encoder.h"
+
 namespace kiv::test {
 
-// Says a trace in the words of the domain and yields its header file and data files. It shares no
-// code with the reader: a field that both sides should agree on is written down twice.
+// Says a trace in the words of the domain and yields its header file and data files, sound ones and
+// damaged ones.
 //
 // Every call returns the trace. Widths and byte order hold for the records that follow them; the
 // header declares what holds at the end.
@@ -130,7 +133,7 @@ class trace {
 
   // What came out. `recorded` is the directory of the data files as the header tells it.
   std::string header(std::string_view recorded) const;
-  std::string& data(std::size_t file = 0) { return files_[file].bytes; }
+  std::string& data(std::size_t file = 0) { return files_[file].records.bytes(); }
   std::size_t file_count() const { return files_.size(); }
   std::size_t record_count() const { return records_; }
   std::string header_name() const;
@@ -140,30 +143,15 @@ class trace {
   [[nodiscard]] bool write(const std::string& dir, std::string_view recorded = {}) const;
 
  private:
-  struct field {
-    std::string name;
-    char kind;  // 'u' and 'd' numbers, 'p' addresses, 's' texts
-    int width;
-  };
-  struct layout {
-    std::string name, description;
-    std::vector<field> fields;
-    bool declared = true;
-  };
-  enum class place { front, al_alloc, back };
-  struct element {
-    place where;
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> attributes;
-  };
+  using element = header_text::element;
   struct data_file {
-    std::string bytes;
+    record_bytes records;
     std::optional<std::string> recorded_size;  // else what the file has
   };
 
+  std::vector<element>& elements_with(std::string_view name);
   element& element_of(std::string_view name);
-  layout& layout_of(char tag) { return layouts_[static_cast<unsigned char>(tag)]; }
-  const layout& layout_of(char tag) const { return layouts_[static_cast<unsigned char>(tag)]; }
+  record_definition& definition_of(char tag);
   void begin_record(char tag);
   trace& end_record();
   template <std::integral T>
@@ -172,18 +160,18 @@ class trace {
   }
   void put(std::string_view value);
   void put_number(std::uint64_t value);
-  void append_number(std::string& to, std::uint64_t value, int width) const;
+  record_bytes& records() { return files_.back().records; }
 
-  std::array<layout, 256> layouts_;
-  std::vector<element> elements_;
-  std::vector<data_file> files_{1};
+  header_text header_;
+  std::string undeclared_;  // tags
+  std::vector<data_file> files_;
   std::string base_name_ = "kiv";
   std::size_t records_ = 0, split_after_ = 0, records_in_file_ = 0;
-  bool big_endian_ = false, closed_ = true;
+  bool little_endian_ = true;
 
-  const layout* current_ = nullptr;  // of the record being written
-  std::size_t field_ = 0, frame_ = 0;
-  std::optional<std::size_t> bad_size_;
+  const record_definition* current_ = nullptr;  // of the record being written
+  std::size_t field_ = 0;
+  std::optional<std::uint16_t> bad_size_;
 };
 
 // Writes the bytes as the file's whole content; false when the file cannot be written.
