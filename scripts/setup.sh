@@ -5,7 +5,7 @@ set -eu
 
 sets='
 make         make
-build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config libprotobuf-dev protobuf-compiler zlib1g-dev
+build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config libprotobuf-dev protobuf-compiler zlib1g-dev libzstd-dev
 test         libgtest-dev python3
 bench        libbenchmark-dev valgrind
 format       clang-format-14 git
