@@ -44,6 +44,7 @@ class recorded_stacks {
     std::uint32_t function = 0;
     std::uint32_t depth = 0;  // 1 for a function called by nobody
   };
+  std::size_t paths() const { return paths_.size(); }  // the empty one, 0, too
   const path& path_at(std::uint32_t index) const { return paths_[index]; }
 
  private:

@@ -9,6 +9,7 @@
 namespace kiv::convert {
 void traced_code::announce() {
   for (std::uint32_t object = 1; object <= code_.objects(); ++object) announce_object(object);
+  find_calls();
   for (std::uint32_t i = 1; i <= code_.functions(); ++i) {
     const recorded_code::function& one = code_.function_at(i);
     KivObjectFunctionLoad announced;
@@ -41,6 +42,19 @@ void traced_code::use_location(std::uint32_t location) {
   trace_.write(KivHashLoc{location, code_.location_at(location)});
 }
 
+void traced_code::find_calls() {
+  calls_.resize(stacks_.paths());
+  for (std::uint32_t i = 1; i < calls_.size(); ++i) {
+    const recorded_stacks::path& path = stacks_.path_at(i);
+    const recorded_code::function& callee = code_.function_at(path.function);
+    calls_[i] = {pid_, 0, callee.object, callee.number};
+    if (path.parent != 0) {
+      calls_[i].parent_id = calls_[path.parent].child_id;
+      calls_[i].parent_funnr = calls_[path.parent].child_funnr;
+    }
+  }
+}
+
 void traced_code::change_path(std::uint32_t path) {
   to_enter_.clear();
   std::uint32_t common = path;
@@ -56,21 +70,9 @@ void traced_code::change_path(std::uint32_t path) {
     to_enter_.push_back(common);
     common = stacks_.path_at(common).parent;
   }
-  for (auto next = to_enter_.rbegin(); next != to_enter_.rend(); ++next) enter(*next);
+  for (auto next = to_enter_.rbegin(); next != to_enter_.rend(); ++next)
+    trace_.write(calls_[*next]);
   current_ = path;
-}
-
-void traced_code::enter(std::uint32_t path) {
-  const recorded_stacks::path& entered = stacks_.path_at(path);
-  const recorded_code::function& callee = code_.function_at(entered.function);
-  KivFlowIn call{pid_, 0, callee.object, callee.number};
-  if (entered.parent != 0) {
-    const recorded_code::function& caller =
-        code_.function_at(stacks_.path_at(entered.parent).function);
-    call.parent_id = caller.object;
-    call.parent_funnr = caller.number;
-  }
-  trace_.write(call);
 }
 
 }  // namespace kiv::convert

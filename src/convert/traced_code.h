@@ -5,6 +5,7 @@
 
 #include "convert/recorded_code.h"
 #include "convert/recorded_stacks.h"
+#include "trace/code_events.h"
 #include "trace/trace_writer.h"
 
 namespace kiv::convert {
@@ -30,13 +31,14 @@ class traced_code {
 
  private:
   void change_path(std::uint32_t path);
-  void enter(std::uint32_t path);
   void announce_object(std::uint32_t object);
+  void find_calls();
 
   const recorded_code& code_;
   const recorded_stacks& stacks_;
   const std::uint32_t pid_;
   trace_writer& trace_;
+  std::vector<KivFlowIn> calls_;  // by path: the one that ends in it
   std::uint32_t current_ = 0;
   std::vector<std::uint32_t> to_enter_;
   std::vector<bool> location_used_;

@@ -1,5 +1,7 @@
 #include "profile/call_paths.h"
 
+#include <utility>
+
 #include "replay/kiv_object_db.h"
 #include "replay/kiv_process.h"
 #include "replay/kiv_reader.h"
@@ -32,21 +34,43 @@ std::uint32_t call_paths::current(const KivProcess& process) {
 
 std::uint32_t call_paths::step_into(std::uint32_t parent, const Func_rel& function) {
   const std::uint32_t place = function_of(function);
-  if (paths_.size() >= max_paths) {
-    const auto known = index_.find({parent, place});
-    if (known != index_.end()) return known->second;
-    ++calls_left_out_;
-    return parent;
+  if (const std::uint32_t known = find(parent, place); known != 0) return known;
+  if (paths_.size() < max_paths) return add(parent, place);
+  ++calls_left_out_;
+  return parent;
+}
+
+std::uint32_t call_paths::find(std::uint32_t parent, std::uint32_t function) const {
+  const siblings& callees = siblings_[parent];
+  for (std::uint32_t path = callees.first_child; path != 0; path = siblings_[path].next) {
+    if (paths_[path].function == function) return path;
   }
-  const auto next = static_cast<std::uint32_t>(paths_.size());
-  const auto [entry, is_new] = index_.try_emplace({parent, place}, next);
-  if (is_new) paths_.push_back({parent, place});
-  return entry->second;
+  if (callees.followed < max_followed) return 0;
+  const auto entry = index_.find({parent, function});
+  return entry == index_.end() ? 0 : entry->second;
+}
+
+std::uint32_t call_paths::add(std::uint32_t parent, std::uint32_t function) {
+  const auto path = static_cast<std::uint32_t>(paths_.size());
+  paths_.push_back({parent, function});
+  siblings_.emplace_back();
+  if (siblings_[parent].followed < max_followed) {
+    ++siblings_[parent].followed;
+    siblings_[path].next = std::exchange(siblings_[parent].first_child, path);
+  } else {
+    index_.emplace(std::pair(parent, function), path);
+  }
+  return path;
+}
+
+// A function keeps its number plus one.
+std::uint32_t call_paths::function_of(const Func_rel& function) {
+  if (function.observed_as == 0) function.observed_as = find_or_add_function(function.location) + 1;
+  return function.observed_as - 1;
 }
 
 // Functions are told apart by their names: places in the code do not outlive their process.
-std::uint32_t call_paths::function_of(const Func_rel& function) {
-  const Func_loc* location = function.location;
+std::uint32_t call_paths::find_or_add_function(const Func_loc* location) {
   std::pair<std::string, std::string> name;
   if (location == nullptr) {
     name = {process_itself, without_name};

@@ -11,6 +11,7 @@
 
 namespace kiv {
 
+struct Func_loc;
 class Func_rel;
 class KivProcess;
 class kiv_reader;
@@ -31,13 +32,24 @@ class call_paths {
   void finish(profile& into);
 
  private:
+  // Paths that end in the same caller form a list as far as it is short; the others are looked up.
+  struct siblings {
+    std::uint32_t first_child = 0, next = 0;  // 0: none
+    std::uint32_t followed = 0;               // children in the list
+  };
+  static constexpr std::uint32_t max_followed = 8;
+
   std::uint32_t step_into(std::uint32_t parent, const Func_rel& function);
+  std::uint32_t find(std::uint32_t parent, std::uint32_t function) const;  // 0: none
+  std::uint32_t add(std::uint32_t parent, std::uint32_t function);
   std::uint32_t function_of(const Func_rel& function);
+  std::uint32_t find_or_add_function(const Func_loc* location);
 
   static constexpr std::size_t max_paths = 1'000'000;
 
   const kiv_reader& reader_;
   std::vector<call_path> paths_{1};
+  std::vector<siblings> siblings_{1};  // by path
   absl::flat_hash_map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> index_;
   std::vector<profile_function> functions_;
   absl::flat_hash_map<std::pair<std::string, std::string>, std::uint32_t> function_index_;

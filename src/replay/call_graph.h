@@ -42,6 +42,8 @@ class Func_rel {
   // The arcs from here that are found by following them from one to the next: the first few.
   std::uint32_t newest_arc = 0;
   std::uint32_t followed_arcs = 0;
+  // An observer's number for the function; 0 until it gives one.
+  mutable std::uint32_t observed_as = 0;
 };
 
 // One caller-to-callee edge of one process; its number is its place in the process's arc table.

@@ -5,13 +5,29 @@
 #include "util/regular_file.h"
 
 namespace kiv {
+namespace {
+
+// Some room, so that a file that is a little longer than the one before fits in its place.
+std::size_t rounded_up(std::size_t size) {
+  constexpr std::size_t step = std::size_t{2} << 20;
+  return size < 4 * step ? size : (size + step - 1) / step * step;
+}
+
+}  // namespace
 
 std::optional<file_source::bytes> disk_files::read(const std::string& path, std::int64_t most) {
-  bytes_ = {};  // never two files at once
   regular_file input(path.c_str());
-  if (!input.is_open()) return std::nullopt;
+  if (!input.is_open()) {
+    release();
+    return std::nullopt;
+  }
   const auto wanted = static_cast<std::size_t>(std::min(input.size(), most));
-  bytes_ = memory_pages(wanted);
+  // Files of one size take the same pages: new ones cost more than reading into them. Never two
+  // files at once.
+  if (wanted > bytes_.size() || wanted < bytes_.size() / 2) {
+    release();
+    bytes_ = memory_pages(rounded_up(wanted));
+  }
   return bytes{{bytes_.data(), input.read(bytes_.data(), wanted)}, input.size()};
 }
 

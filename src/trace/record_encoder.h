@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "trace/byte_order.h"
 #include "trace/record_layout.h"
@@ -51,18 +53,19 @@ class record_bytes {
   }
 
  protected:
-  // Writes neighbouring numbers, if each is as wide as its field; else writes nothing and returns
-  // false.
+  // Appends a whole record of numbers that are as wide as their fields.
   template <std::integral... T>
-  bool put_all(const std::uint32_t* widths, T... values) {
-    if (!((*widths++ == sizeof(T)) && ...)) return false;
-    const std::size_t at = bytes_.size();
-    bytes_.resize(at + (sizeof(T) + ...));
-    auto* to = reinterpret_cast<unsigned char*>(&bytes_[at]);
+  void put_record(char tag, T... values) {
+    constexpr std::size_t size = (std::size_t{0} + ... + sizeof(T));
+    std::array<char, 3 + size> record;
+    record[0] = tag;
+    auto* to = reinterpret_cast<unsigned char*>(record.data()) + 1;
+    store_number(to, static_cast<std::uint16_t>(size), little_endian_);
+    to += 2;
     ((store_number(to, static_cast<std::make_unsigned_t<T>>(values), little_endian_),
       to += sizeof(T)),
      ...);
-    return true;
+    bytes_.append(record.data(), record.size());
   }
 
  private:
@@ -74,23 +77,25 @@ class record_bytes {
 // Writes events as records: the counterpart of decode().
 class record_encoder : public record_bytes {
  public:
-  record_encoder(const record_layout& layout, bool little_endian)
-      : record_bytes(little_endian), layout_(layout) {}
+  record_encoder(const record_layout& layout, bool little_endian);
 
   template <class Event>
   void write(Event event) {
     static_assert(fields_of<Event>() == fields_of(record_type_of(Event::type)));
-    begin(static_cast<char>(Event::type));
-    const std::uint32_t* width = layout_.widths(Event::type);
+    constexpr bool has_text = requires { event.text(); };
     std::apply(
         [&](const auto&... number) {
-          if constexpr (sizeof...(number) > 0) {
-            if (!put_all(width, number...)) (put_number(widened(number), *width++), ...);
+          if constexpr (!has_text) {
+            if (has_full_widths_[Event::type])
+              return put_record(static_cast<char>(Event::type), number...);
           }
+          begin(static_cast<char>(Event::type));
+          [[maybe_unused]] const std::uint32_t* width = layout_.widths(Event::type);
+          (put_number(widened(number), *width++), ...);
+          if constexpr (has_text) put_text(event.text());
+          end();
         },
         event.numbers());
-    if constexpr (requires { event.text(); }) put_text(event.text());
-    end();
   }
 
  private:
@@ -125,6 +130,8 @@ class record_encoder : public record_bytes {
   }
 
   record_layout layout_;
+  // The types of which every number is as wide as its member in the event.
+  std::array<bool, kiv_type_limit> has_full_widths_{};
 };
 
 }  // namespace kiv

@@ -23,7 +23,7 @@ class trace_writer {
     std::string base_name = "kiv";
     bool little_endian = true;
     int address_width = 8;                              // 4 or 8
-    std::size_t max_file_size = std::size_t{64} << 20;  // bytes; a record more at most
+    std::size_t max_file_size = std::size_t{16} << 20;  // bytes; what is buffered may exceed it
   };
 
   trace_writer(const trace_identity& identity, options chosen);

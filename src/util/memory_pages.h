@@ -21,6 +21,7 @@ class memory_pages {
   ~memory_pages();
 
   unsigned char* data() const { return bytes_; }
+  std::size_t size() const { return size_; }
 
  private:
   unsigned char* bytes_ = nullptr;

@@ -33,12 +33,16 @@ def names_of_ids(run):
 
 
 def stacks_of(run):
-    """Call stacks by process and flow counter, as tuples of "object:function"."""
+    """Call stacks by process and flow counter, as tuples of "object:function".
+
+    None where the tables do not hold them: the arcs of a process are written when it ends."""
     arcs = {(r[1], r[2], r[3]): (r[4] + ":" + r[7], r[8] + ":" + r[11]) for r in rows(run, "arcs")}
     stacks, now = {}, collections.defaultdict(tuple)
     for _, main, pid, flow, depth, _, arc, direction in rows(run, "flow"):
         if flow == "0":  # the process starts
             now[main, pid] = ()
+        elif now[main, pid] is None or (main, pid, arc) not in arcs and direction == ">":
+            now[main, pid] = None
         elif direction == ">":
             caller, callee = arcs[main, pid, arc]
             now[main, pid] = (now[main, pid] or (caller,)) + (callee,)
@@ -130,6 +134,8 @@ def expected_lists(run):
                 total[0] += 1
                 total[1] += size[0]
                 total[2] += size[1]
+            if None in sums:
+                continue
             lists[key, measure] = {name: tuple(sum) for name, sum in sums.items() if any(sum)}
     return lists
 
