@@ -7,11 +7,8 @@
 namespace kiv {
 namespace {
 
-// Some room, so that a file that is a little longer than the one before fits in its place.
-std::size_t rounded_up(std::size_t size) {
-  constexpr std::size_t step = std::size_t{2} << 20;
-  return size < 4 * step ? size : (size + step - 1) / step * step;
-}
+// For a file that is a little longer than the one before.
+constexpr std::size_t room_for_longer_files = std::size_t{1} << 20;
 
 }  // namespace
 
@@ -26,7 +23,7 @@ std::optional<file_source::bytes> disk_files::read(const std::string& path, std:
   // files at once.
   if (wanted > bytes_.size() || wanted < bytes_.size() / 2) {
     release();
-    bytes_ = memory_pages(rounded_up(wanted));
+    bytes_ = memory_pages(wanted, room_for_longer_files);
   }
   return bytes{{bytes_.data(), input.read(bytes_.data(), wanted)}, input.size()};
 }

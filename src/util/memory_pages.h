@@ -10,7 +10,8 @@ namespace kiv {
 class memory_pages {
  public:
   memory_pages() = default;
-  explicit memory_pages(std::size_t size);
+  // `room`: bytes behind those, for content that is a little longer later.
+  explicit memory_pages(std::size_t size, std::size_t room = 0);
   memory_pages(memory_pages&& other) noexcept
       : bytes_(std::exchange(other.bytes_, nullptr)), size_(std::exchange(other.size_, 0)) {}
   memory_pages& operator=(memory_pages&& other) noexcept {
@@ -21,7 +22,7 @@ class memory_pages {
   ~memory_pages();
 
   unsigned char* data() const { return bytes_; }
-  std::size_t size() const { return size_; }
+  std::size_t size() const { return size_; }  // with the room
 
  private:
   unsigned char* bytes_ = nullptr;
