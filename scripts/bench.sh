@@ -1,7 +1,8 @@
 #!/bin/sh
 # bench.sh [--document] [TRACE_DIRECTORY ...]: builds and runs the benchmarks: times stage by stage,
-# instructions per record by record type, peak memory, reports against analyses. Trace directories
-# given are measured as a whole too. With --document what it prints also replaces the latest run in
+# instructions per record by record type, peak memory, reports against analyses, a recording
+# converted and reported against the recorder's own evaluation; at the end what was measured against
+# the limits that a change must keep. Trace directories given are measured as a whole too. With --document what it prints also replaces the latest run in
 # docs/performance.md.
 set -eu
 cd "$(dirname "$0")/.."
@@ -23,6 +24,7 @@ cmake --preset bench >/dev/null
 cmake --build --preset bench
 kiv=$PWD/build/bench/src/kiv
 kivdb=$PWD/build/bench/src/kivdb
+kivconvert=$PWD/build/bench/src/kivconvert
 tools=$PWD/build/bench/bench
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -59,7 +61,15 @@ report_instructions() {
 }
 
 # per_record NAME MORE_INSTRUCTIONS FEWER RECORDS
-per_record() { printf '  %-34s %8d\n' "$1" "$((($2 - $3) / $4))"; }
+per_record() {
+  printf '  %-34s %8d\n' "$1" "$((($2 - $3) / $4))"
+  last=$((($2 - $3) / $4))
+}
+# limit NAME MEASURED MOST: for the list at the end.
+limit() {
+  awk -v name="$1" -v measured="$2" -v most="$3" 'BEGIN {
+    printf "  %-58s %10s %10s  %s\n", name, measured, most, measured <= most ? "kept" : "NOT KEPT" }' >>limits
+}
 
 printf '\nInstructions per record (callgrind; what start-up and preparation take is taken off)\n'
 for kind in memory flow; do
@@ -71,9 +81,11 @@ for kind in memory flow; do
   per_record '  report of it' "$(report_instructions ${kind}_many)" \
     "$(report_instructions ${kind}_few)" 700000
   if [ $kind = memory ]; then
+    limit 'report: instructions per memory record' "$last" 1600
     "$tools/make_trace" memory 400 start >/dev/null
     start=$(instructions start/kiv.1.kivhdr)
     per_record "memory-heavy trace, all of 1M" "$many" "$start" 1000000
+    limit 'kiv: instructions per memory record' "$last" 2950
   fi
 done
 # The records of a flow-heavy trace that are none of flow.
@@ -83,6 +95,7 @@ others() {
 }
 per_record '  per flow record' "$((many - $(others flow_many/kiv.1.kivhdr)))" \
   "$((few - $(others flow_few/kiv.1.kivhdr)))" 630000
+limit 'kiv: instructions per flow record' "$last" 450
 for tag in a n f r S G M T C R c F Z I O i o Q q s P X B L p l b H d y D Y; do
   "$tools/make_trace" base-$tag 20000 base >/dev/null
   "$tools/make_trace" type-$tag 20000 type >/dev/null
@@ -128,6 +141,8 @@ whole_run() {
 whole_run memory_few
 few_live=$live few_above=$((peak - data))
 whole_run memory_many
+limit "kiv: KiB above the data file, $live live blocks" "$((peak - data))" 13824
+live_many=$live
 per_block=$((((peak - data) - few_above) * 1024 / (live - few_live)))
 whole_run flow_many
 for run in SQL1 MIX "$@"; do whole_run "$(basename "$run")"; done
@@ -140,7 +155,7 @@ median() { sort -n | awk '{ all[NR] = $1 } END { print all[int((NR + 1) / 2)] }'
 printf '\nReports straight from a trace (medians of 11 pairs, files in the page cache)\n'
 printf '  %-12s %10s %10s %10s %12s %16s\n' trace 'report, s' 'kiv -R, s' ratio 'report, KiB' \
   'above data, KiB'
-compare_report() {
+compare_report() { # DIRECTORY MOST_RATIO
   data=$(($(cat "$1"/*.kivdat | wc -c) / 1024))
   for pair in 0 1 2 3 4 5 6 7 8 9 10 11; do
     report=$("$tools/peak_memory" "$kivdb" report "$1")
@@ -149,13 +164,17 @@ compare_report() {
     [ $pair = 0 ] || echo "$report $analysis"
   done >pairs
   largest=$(wc -c "$1"/*.kivdat | awk '$2 != "total" && $1 > most { most = $1 } END { print int(most / 1024) }')
+  ratio=$(awk '{ printf "%.3f\n", $2 / $4 }' pairs | median)
+  above=$(($(cut -d ' ' -f 1 pairs | median) - largest))
   printf '  %-12s %10s %10s %10s %12d %16d\n' "$1" "$(cut -d ' ' -f 2 pairs | median)" \
-    "$(cut -d ' ' -f 4 pairs | median)" "$(awk '{ printf "%.3f\n", $2 / $4 }' pairs | median)" \
-    "$(cut -d ' ' -f 1 pairs | median)" "$(($(cut -d ' ' -f 1 pairs | median) - largest))"
+    "$(cut -d ' ' -f 4 pairs | median)" "$ratio" "$(cut -d ' ' -f 1 pairs | median)" "$above"
+  limit "report against kiv: wall, $1" "$ratio" "$2"
 }
-compare_report memory_many
-compare_report flow_many
-for run in SQL1 MIX "$@"; do compare_report "$(basename "$run")"; done
+compare_report memory_many 0.6
+limit "report: KiB above the data file, $live_many live blocks" "$above" \
+  "$((24 * 1024 + live_many * 72 / 1024))"
+compare_report flow_many 0.7
+for run in SQL1 MIX "$@"; do compare_report "$(basename "$run")" 0.6; done
 
 printf '\nReports from a database (medians of 11 runs)\n'
 printf '  %-12s %10s %14s\n' trace 'report, s' 'database, KiB'
@@ -163,6 +182,32 @@ for run in memory_many flow_many SQL1 "$@"; do
   name=$(basename "$run")
   "$kivdb" import "$name" -o "$name.db" >/dev/null
   for turn in 1 2 3 4 5 6 7 8 9 10 11; do "$tools/peak_memory" "$kivdb" report "$name.db"; done >runs
-  printf '  %-12s %10s %14d\n' "$name" "$(cut -d ' ' -f 2 runs | median)" \
-    "$(($(wc -c <"$name.db") / 1024))"
+  wall=$(cut -d ' ' -f 2 runs | median)
+  printf '  %-12s %10s %14d\n' "$name" "$wall" "$(($(wc -c <"$name.db") / 1024))"
+  limit "report of a database: seconds, $name" "$wall" 0.05
 done
+
+if command -v heaptrack >/dev/null; then
+  printf '\nA recording of a program that allocates all the time (medians of 5 turns)\n'
+  heaptrack -o recording "$tools/busy_program" 10000 >/dev/null 2>&1
+  for turn in 1 2 3 4 5; do
+    rm -rf recorded
+    echo "$("$tools/peak_memory" "$kivconvert" recording.zst -o recorded --pid 1)" \
+      "$("$tools/peak_memory" "$kivdb" report recorded)" \
+      "$("$tools/peak_memory" "$(command -v heaptrack_print)" -f recording.zst)"
+  done >turns
+  printf '  %-34s %8d\n' 'allocations and frees' "$(zstd -dc recording.zst | grep -c '^[+-]')"
+  printf '  %-34s %8d\n' 'recording, KiB' "$(($(wc -c <recording.zst) / 1024))"
+  printf '  %-34s %8d\n' 'trace of it, KiB' "$(($(cat recorded/* | wc -c) / 1024))"
+  place=1
+  for step in kivconvert 'kivdb report' heaptrack_print; do
+    printf '  %-34s %8s s %8d KiB\n' "$step" "$(cut -d ' ' -f $((place + 1)) turns | median)" \
+      "$(cut -d ' ' -f $place turns | median)"
+    place=$((place + 2))
+  done
+  limit 'kivconvert and report against heaptrack_print: wall' \
+    "$(awk '{ printf "%.2f\n", ($2 + $4) / $6 }' turns | median)" 2
+fi
+
+printf '\nLimits                                                       measured    at most\n'
+cat limits

@@ -7,7 +7,7 @@ sets='
 make         make
 build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config libprotobuf-dev protobuf-compiler zlib1g-dev libzstd-dev
 test         libgtest-dev python3
-bench        libbenchmark-dev valgrind
+bench        libbenchmark-dev valgrind heaptrack zstd
 format       clang-format-14 git
 check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev node-typescript
 browser      chromium chromium-driver python3-pytest python3-selenium fonts-dejavu-core
