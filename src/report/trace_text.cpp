@@ -28,8 +28,9 @@ void item(std::ostream& out, const print_style& style, std::string_view label,
 std::string who(const profile& trace) {
   std::string text = printable(trace.user);
   if (!trace.host.empty()) text += (text.empty() ? "on " : " on ") + printable(trace.host);
-  if (!trace.environment.empty()) text += " (" + printable(trace.environment) + ")";
-  return text;
+  if (trace.environment.empty()) return text;
+  const std::string environment = printable(trace.environment);
+  return text.empty() ? environment : text + " (" + environment + ")";
 }
 
 std::string when(const profile& trace) {
