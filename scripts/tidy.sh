@@ -16,7 +16,7 @@ while read -r unit; do
   esac
 done <"$build/all_units" >"$build/tidy_units" 3>"$build/tidy_sources"
 # What is not compiled there would not be checked.
-for source in $(scripts/sources.sh '*.cpp'); do
+for source in $(scripts/sources.sh '*.c' '*.cpp'); do
   grep -qx "$PWD/$source" "$build/tidy_sources" ||
     { echo "tidy: nothing in $build is built from $source" >&2; exit 1; }
 done

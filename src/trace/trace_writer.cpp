@@ -1,6 +1,7 @@
 #include "trace/trace_writer.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
-#include <limits>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -19,8 +19,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What a header says of a file whose size is not known yet; the most that readers take.
-constexpr std::size_t size_of_open_file = std::numeric_limits<std::int32_t>::max();
+// As long as it lives, nobody ends the thread in a system call: what is half done would stay so.
+class uncancelled {
+ public:
+  uncancelled() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
+  ~uncancelled() { pthread_setcancelstate(before_, nullptr); }
+  uncancelled(const uncancelled&) = delete;
+  uncancelled& operator=(const uncancelled&) = delete;
+
+ private:
+  int before_ = 0;
+};
 
 bool write_at(int fd, std::string_view bytes, std::size_t at) {
   while (!bytes.empty()) {
@@ -88,6 +97,7 @@ trace_writer::trace_writer(const trace_identity& identity, options chosen)
 }
 
 trace_writer::~trace_writer() {
+  const uncancelled while_closing;
   if (data_fd_ < 0) return;
   if (error_.empty()) write_at(data_fd_, encoder_.bytes(), data_size_);
   ::close(data_fd_);
@@ -103,6 +113,7 @@ bool trace_writer::fail(const std::string& path) {
 }
 
 bool trace_writer::open() {
+  const uncancelled while_opening;
   if (!make_directory() || !claim_header()) return false;
   if (open_data_file() && write_header()) return true;
   if (data_fd_ >= 0) {
@@ -161,6 +172,7 @@ void trace_writer::measure_room() {
 }
 
 void trace_writer::make_room(std::size_t record) {
+  const uncancelled while_writing;
   const std::string& bytes = encoder_.bytes();
   const bool is_full = data_size_ + bytes.size() > options_.max_file_size;
   if (is_full && data_size_ + record > 0) {
@@ -185,12 +197,14 @@ bool trace_writer::write_out(std::size_t count) {
 }
 
 bool trace_writer::flush() {
+  const uncancelled while_writing;
   if (data_fd_ < 0 || !write_out(encoder_.bytes().size())) return false;
   measure_room();
   return true;
 }
 
 bool trace_writer::close(moment end) {
+  const uncancelled while_closing;
   if (!flush() || !end_data_file()) return false;
   set_end_time(header_, end);
   header_.closed = true;
