@@ -6,12 +6,14 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <memory>
 #include <random>
 #include <thread>
 
 #include "kivtrace/trace_lock.h"
 #include "kivtrace/written_run.h"
+#include "report/json_reader.h"
 
 // Processes that die, fork, fill the disk or use the interface from many threads.
 namespace kiv::test {
@@ -44,6 +46,28 @@ TEST(DeadWriter, WhatWasFlushedIsReadAndTheTraceIsOpen) {
   EXPECT_EQ(result.out.find("OUT OF SYNC"), std::string::npos);
   EXPECT_EQ(complaints(result), "");
 }
+
+#ifdef KIVDB_PROGRAM
+TEST(DeadWriter, ReportTellsHowFarItWentAndThatItIsOpen) {
+  const written_run run;
+  ASSERT_TRUE(holds_in_child([&] {
+    kiv_trace* trace = kiv_trace_open(&run.options);
+    kiv_trace_timestamp(trace, 1'700'000'600, 0);
+    return kiv_trace_flush(trace) == 0;
+  }));
+  ASSERT_EQ(std::system(("TZ=UTC '" KIVDB_PROGRAM "' report '" + run.directory() + "' --json >'" +
+                         run.directory() + "/report'")
+                            .c_str()),
+            0);
+  const json_value report = read_json(read_file(run.directory() + "/report"));
+  const json_value& trace = report["runs"][0]["traces"][0];
+  EXPECT_EQ(trace["start"].scalar, "2023-11-14 22:13:20.000");
+  EXPECT_EQ(trace["end"].scalar, "2023-11-14 22:23:20.000");
+  EXPECT_EQ(trace["complete"].scalar, "false");
+  ASSERT_EQ(trace["losses"].size(), 1U);
+  EXPECT_EQ(trace["losses"][0]["what"].scalar, "header not closed");
+}
+#endif
 
 // What a child tells its parent, in memory that both see.
 using shared_count = std::atomic<std::uint32_t>;
