@@ -104,7 +104,7 @@ static void *serve(void *argument) {
   }
 
   begin(pid);
-  kiv_trace_free_id(trace, session, 0, 0, 48 * orders_each);
+  kiv_trace_free_id(trace, session, 0, 0, UINT64_C(48) * orders_each);
   kiv_trace_process_end(trace, pid);
   end();
   for (int number = 0; number < orders_each; number++) free(items[number]);

@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 build=$1
 sed -n 's/^ *"file": "\(.*\)".*/\1/p' "$build/compile_commands.json" | sort -u >"$build/all_units"
 while read -r unit; do
-  included=$(sed -n 's/^#include "\(.*\.cpp\)"/\1/p' "$unit")
+  included=$(sed -n 's/^#include "\(.*\.c\(pp\)\?\)"/\1/p' "$unit")
   case $unit in
     */Unity/unity_*) echo "$included" >&3 && echo "$unit" ;;
     "$PWD/$build"/*) ;; # generated
