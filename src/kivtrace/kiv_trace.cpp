@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <concepts>
 #include <exception>
 #include <limits>
 #include <memory>
@@ -30,7 +29,8 @@ struct kiv_trace {
 
   const bool narrow_addresses;
   const std::uint32_t forks = kiv::fork_count.load(std::memory_order_relaxed);
-  bool broken = false;  // memory ran out, and nobody knows how far the writer got
+  bool lacks_records = false;  // that no record can hold
+  bool broken = false;         // memory ran out, and nobody knows how far the writer got
   std::string header_path;
   kiv::trace_lock lock;
   kiv::trace_writer writer;
@@ -64,14 +64,22 @@ const char* forbidden(const kiv_trace* trace) noexcept {
   return nullptr;
 }
 
-// Lets the thread do something with the writer that succeeds or leaves an error there.
-template <std::predicate<trace_writer&> Action>
+// What the writer could not do, nullptr when nothing.
+const char* fault_of(const trace_writer& writer) noexcept {
+  return writer.error().empty() ? nullptr : writer.error().c_str();
+}
+
+// Lets the thread do something with the writer, which gives the reason of its failure or nullptr.
+template <class Action>
 int call(kiv_trace* trace, Action action) noexcept {
   if (const char* why = forbidden(trace)) return failed(why);
   const trace_lock::call inside(trace->lock);
   if (!inside.begun()) return failed("called from within another call on the trace");
   try {
-    if (!trace->broken) return action(trace->writer) ? 0 : failed(trace->writer.error());
+    if (!trace->broken) {
+      const char* why = action(trace->writer);
+      return why == nullptr ? 0 : failed(why);
+    }
   } catch (const std::exception&) {
     trace->broken = true;
   }
@@ -109,10 +117,13 @@ class fitting {
 
 template <class Event>
 int put(kiv_trace* trace, const Event& event, const fitting& fit) noexcept {
-  if (const char* why = fit.refused()) return failed(why);
   return call(trace, [&](trace_writer& writer) {
+    if (fit.refused() != nullptr) {
+      trace->lacks_records = true;
+      return fit.refused();
+    }
     writer.write(event);
-    return writer.error().empty();
+    return fault_of(writer);
   });
 }
 
@@ -123,17 +134,22 @@ int put(kiv_trace* trace, const Event& event) noexcept {
 
 // Ends what the thread has to do with the trace and gives it back. What a child of fork() has is a
 // copy that may have been taken in the middle of a call, so it is left as it is.
-template <std::predicate<trace_writer&> Action>
+template <class Action>
 int leave(kiv_trace* trace, Action action) noexcept {
   if (const char* why = forbidden(trace)) return failed(why);
   if (!trace_lock::call(trace->lock).begun()) return failed("called from within another call");
-  const int result = call(trace, action);
-  delete trace;
-  return result;
+  const std::unique_ptr<kiv_trace> given_back(trace);
+  return call(trace, action);
 }
 
-KivTimeStamp time_stamp(moment time) {
-  return {static_cast<std::uint32_t>(time.secs), static_cast<std::uint32_t>(time.nsecs)};
+int close(kiv_trace* trace, moment end) noexcept {
+  return leave(trace, [=](trace_writer& writer) {
+    if (!trace->lacks_records) {
+      writer.close(end);
+      return fault_of(writer);
+    }
+    return writer.flush() ? "left open, since records were refused" : fault_of(writer);
+  });
 }
 
 }  // namespace
@@ -159,20 +175,23 @@ kiv_trace* kiv_trace_open(const kiv_trace_options* options) {
 }
 
 int kiv_trace_flush(kiv_trace* trace) {
-  return kiv::call(trace, [](kiv::trace_writer& writer) { return writer.flush(); });
+  return kiv::call(trace, [](kiv::trace_writer& writer) {
+    writer.flush();
+    return kiv::fault_of(writer);
+  });
 }
 
-int kiv_trace_close(kiv_trace* trace) {
-  return kiv::leave(trace,
-                    [](kiv::trace_writer& writer) { return writer.close(kiv::system_time()); });
-}
+int kiv_trace_close(kiv_trace* trace) { return kiv::close(trace, kiv::system_time()); }
 
 int kiv_trace_close_at(kiv_trace* trace, int64_t secs, int32_t nsecs) {
-  return kiv::leave(trace, [=](kiv::trace_writer& writer) { return writer.close({secs, nsecs}); });
+  return kiv::close(trace, {secs, nsecs});
 }
 
 int kiv_trace_abandon(kiv_trace* trace) {
-  return kiv::leave(trace, [](kiv::trace_writer& writer) { return writer.flush(); });
+  return kiv::leave(trace, [](kiv::trace_writer& writer) {
+    writer.flush();
+    return kiv::fault_of(writer);
+  });
 }
 
 const char* kiv_trace_error(void) { return kiv::last_error.data(); }
@@ -197,8 +216,10 @@ int kiv_trace_timestamp(kiv_trace* trace, uint32_t secs, uint32_t nsecs) {
 
 int kiv_trace_timestamp_now(kiv_trace* trace) {
   return kiv::call(trace, [](kiv::trace_writer& writer) {
-    writer.write(kiv::time_stamp(kiv::system_time()));
-    return writer.error().empty();
+    const kiv::moment now = kiv::system_time();
+    writer.write(kiv::KivTimeStamp{static_cast<std::uint32_t>(now.secs),
+                                   static_cast<std::uint32_t>(now.nsecs)});
+    return kiv::fault_of(writer);
   });
 }
 

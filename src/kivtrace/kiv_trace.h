@@ -13,9 +13,10 @@ extern "C" {
 /* A trace that is being written: a header file and data files in the directory of a run.
  *
  * Any thread may call any function at any time; records stand in the trace in the order of their
- * calls. Functions return 0, or -1 when nothing was done, and then kiv_trace_error() says why.
- * What the system refuses is final: no later record of that trace is taken, and the trace stays
- * open as that of a process that died does, so that no report takes it for complete.
+ * calls. Functions return 0, or -1 for what was refused or failed, and then kiv_trace_error() says
+ * why. What the system refuses is final: no later record of that trace is taken. A trace that lacks
+ * a record for either reason stays open, as that of a process that died does, so that no report
+ * takes it for complete.
  *
  * A child of fork() has no part in its parent's traces: all functions refuse them there. It opens a
  * trace of its own.
@@ -89,12 +90,12 @@ kiv_trace *kiv_trace_open(const kiv_trace_options *options);
 int kiv_trace_flush(kiv_trace *trace);
 
 /* The traced process ends now, or at that time: writes what is buffered, closes the trace and gives
- * the handle back, also on failure. No other thread may use the handle any more. */
+ * the handle back, whatever is returned. No other thread may use the handle any more. */
 int kiv_trace_close(kiv_trace *trace);
 int kiv_trace_close_at(kiv_trace *trace, int64_t secs, int32_t nsecs);
 
-/* Gives the handle back as above, but leaves the trace open: for a trace that lacks something and
- * must not be taken for complete. */
+/* Gives the handle back as above, but leaves the trace open: for one that lacks what only the
+ * caller knows of. */
 int kiv_trace_abandon(kiv_trace *trace);
 
 /* Why the last function that failed on this thread did. Empty when none did; valid until the next

@@ -129,7 +129,7 @@ TEST(WrittenRecords, EveryTypeIsReadAsItWasWrittenInEachByteOrderAndAddressWidth
   }
 }
 
-TEST(WrittenRecords, WhatNoRecordCanHoldIsRefusedAndTheTraceGoesOn) {
+TEST(WrittenRecords, WhatNoRecordCanHoldIsRefusedAndLeavesTheTraceOpen) {
   written_run run;
   run.options.address_width = 4;
   kiv_trace* trace = run.open();
@@ -141,7 +141,9 @@ TEST(WrittenRecords, WhatNoRecordCanHoldIsRefusedAndTheTraceGoesOn) {
   EXPECT_STREQ(kiv_trace_error(), "an address, location or symbol of more than 4 bytes");
   EXPECT_EQ(kiv_trace_sbrk(trace, largest, largest), 0);
   EXPECT_EQ(kiv_trace_sbrk(trace, ~std::uint64_t{0}, 8), 0) << "it is -1 in four bytes too";
-  ASSERT_EQ(kiv_trace_close(trace), 0);
+  EXPECT_EQ(kiv_trace_close(trace), -1);
+  EXPECT_STREQ(kiv_trace_error(), "left open, since records were refused");
+  EXPECT_FALSE(read_back(run.header_path()).header.closed());
   const table sbrk = run.analysed().rows("sbrk");
   ASSERT_EQ(sbrk.size(), 2U);
   EXPECT_EQ(sbrk.number(0, "size_or_c_sbrk"), static_cast<std::int64_t>(largest));
