@@ -14,6 +14,11 @@ endforeach()
 add_custom_target(manual_pages ALL DEPENDS ${manual_pages})
 install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
+# Where it is installed, the library is found beside its description.
+file(RELATIVE_PATH KIVTRACE_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/kivtrace.pc.in ${PROJECT_BINARY_DIR}/kivtrace.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kivtrace.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
 # README.md names the documents as docs/...
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
@@ -25,4 +30,4 @@ install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Data that README.md works on, so not below doc/, which small systems leave out.
 install(DIRECTORY samples DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
-        FILES_MATCHING PATTERN "*.kivhdr" PATTERN "*.kivdat")
+        FILES_MATCHING PATTERN "*.kivhdr" PATTERN "*.kivdat" PATTERN "*.c")

@@ -1,5 +1,5 @@
 #!/bin/sh
-# build.sh: builds the programs of the release preset with their manual pages.
+# build.sh: builds what the package of the release preset holds.
 # build.sh --all: builds the tests and all else too.
 set -eu
 cd "$(dirname "$0")/.."
@@ -10,4 +10,4 @@ if [ "${1-}" = --all ]; then
 fi
 # A build directory that has the tests keeps them; the programs alone need no test library.
 [ -e build/release/build.ninja ] || cmake --preset release -DKIV_TESTS=OFF >/dev/null
-exec cmake --build --preset release --target kiv kivdb manual_pages
+exec cmake --build --preset release --target kiv kivdb kivtrace manual_pages

@@ -8,5 +8,5 @@ if [ "${1-}" = --check ]; then
 else
   set -- -i
 fi
-files=$(scripts/sources.sh '*.cpp' '*.h' '*.js')
+files=$(scripts/sources.sh '*.c' '*.cpp' '*.h' '*.js')
 clang-format-14 "$@" $files

@@ -40,7 +40,7 @@ only_in_process=
 if ! /lib/ld-linux.so.2 --version >/dev/null 2>&1; then
   scripts/setup.sh emulate32
   emulator=qemu-i386
-  only_in_process='-E DocumentIs|Damage.(Numbers|Exhausted)|Driver|Environment|SampleShows|TwoRuns'
+  only_in_process='-E DocumentIs|Damage.(Numbers|Exhausted)|Driver|Environment|SampleProgram|SampleShows|TwoRuns'
 fi
 LD_LIBRARY_PATH=$libraries/usr/lib/i386-linux-gnu
 export LD_LIBRARY_PATH

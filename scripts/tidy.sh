@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 build=$1
 sed -n 's/^ *"file": "\(.*\)".*/\1/p' "$build/compile_commands.json" | sort -u >"$build/all_units"
 while read -r unit; do
-  included=$(sed -n 's/^#include "\(.*\.cpp\)"/\1/p' "$unit")
+  included=$(sed -n 's/^#include "\(.*\.c\(pp\)\?\)"/\1/p' "$unit")
   case $unit in
     */Unity/unity_*) echo "$included" >&3 && echo "$unit" ;;
     "$PWD/$build"/*) ;; # generated
@@ -16,7 +16,7 @@ while read -r unit; do
   esac
 done <"$build/all_units" >"$build/tidy_units" 3>"$build/tidy_sources"
 # What is not compiled there would not be checked.
-for source in $(scripts/sources.sh '*.cpp'); do
+for source in $(scripts/sources.sh '*.c' '*.cpp'); do
   grep -qx "$PWD/$source" "$build/tidy_sources" ||
     { echo "tidy: nothing in $build is built from $source" >&2; exit 1; }
 done

@@ -101,7 +101,9 @@ void profiler::finish(profile& into) {
   into.host = header.hostname();
   into.user = header.user();
   into.start = time_text(header.start());
-  into.end = time_text(header.end());
+  // A trace that is open has no end yet: what is known of it ends with its last time stamp.
+  const bool is_open = !header.closed() && header.end().secs == 0 && header.start().secs != 0;
+  into.end = time_text(is_open ? reader_.now() : header.end());
   into.records = reader_.reserve_ids().global().rec.value;
   into.heap_bytes = reader_.reserve_ids().sbrk().total;
   into.gap_bytes = static_cast<std::int64_t>(reader_.reserve_ids().gap().total);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "replay/kiv_reader.h"
+#include "trace/header_text.h"
 
 namespace kiv {
 
@@ -90,6 +91,9 @@ void trace_losses::replay_without_file(const std::string& path) {
 
 void trace_losses::file_shorter_than_recorded(const std::string& path, std::int64_t recorded,
                                               std::int64_t held) {
+  // Of an open trace this is no size, and that it is open is told.
+  const auto is_open = tallies_[static_cast<std::size_t>(loss_kind::header_not_closed)].count > 0;
+  if (is_open && recorded == static_cast<std::int64_t>(size_of_open_file)) return;
   count(loss_kind::data_file_cut, fmt::format("{}: {} of {} bytes", path, held, recorded));
 }
 

@@ -14,7 +14,7 @@ kiv_reader::kiv_reader(run_context& run, const kiv_hdr& header, file_source& fil
                        id_books_of_processes id_books)
     : run_(run),
       header_(header),
-      layout_(header),
+      layout_(header.layout()),
       files_(header.files(), header.little_endian(), files, run.faults),
       now_(header.start()),
       hash_locations_(std::make_unique<KivHashLoc_db>()),

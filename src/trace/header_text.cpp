@@ -10,8 +10,6 @@
 namespace kiv {
 namespace {
 
-using element = header_text::element;
-
 // Of a valid sequence of two to four bytes. The two numbers that no document can hold become
 // U+FFFD.
 std::uint32_t code_point(std::string_view sequence) {
@@ -51,8 +49,10 @@ void append_tag(std::string& to, std::string_view indent, std::string_view name,
   to += end;
 }
 
-void append_tags(std::string& to, std::string_view indent, const std::vector<element>& elements) {
-  for (const element& one : elements) append_tag(to, indent, one.name, one.attributes, " />\n");
+void append_tags(std::string& to, std::string_view indent,
+                 const std::vector<header_text::element>& elements) {
+  for (const header_text::element& one : elements)
+    append_tag(to, indent, one.name, one.attributes, " />\n");
 }
 
 void append_entry(std::string& to, const record_definition& entry) {
@@ -116,7 +116,7 @@ header_text make_header_text(const trace_identity& identity, bool little_endian,
 }
 
 void set_end_time(header_text& header, moment time) {
-  for (element& one : header.end) {
+  for (header_text::element& one : header.end) {
     if (one.name == "time_end") {
       one.attributes = {{"secs", std::to_string(time.secs)}, {"nsecs", std::to_string(time.nsecs)}};
     }

@@ -11,6 +11,9 @@
 
 namespace kiv {
 
+// What a header says of a data file whose size is not known yet; the most that readers take.
+inline constexpr std::size_t size_of_open_file = 2147483647;
+
 // What a header file says, in the order in which it says it.
 struct header_text {
   struct element {

@@ -131,6 +131,17 @@ int kiv_hdr::get_elem_size(int type, int index) const {
   return field < definition->elems().size() ? std::max(definition->elems()[field].size, 0) : 0;
 }
 
+record_layout kiv_hdr::layout() const {
+  record_layout made;
+  for (int type = 0; type < kiv_type_limit; ++type) {
+    for (unsigned field = 0; field < record_layout::max_fields; ++field) {
+      made.set_width(static_cast<kiv_type>(type), field,
+                     static_cast<std::uint32_t>(get_elem_size(type, static_cast<int>(field))));
+    }
+  }
+  return made;
+}
+
 void kiv_hdr::dump_entries() const {
   if (!faults().tells_progress()) return;
   for (const auto& definition : entries_) {

@@ -8,6 +8,7 @@
 
 #include "trace/element.h"
 #include "trace/entry.h"
+#include "trace/record_layout.h"
 #include "util/moment.h"
 
 namespace kiv {
@@ -31,6 +32,8 @@ class kiv_hdr final : public element {
   // Width in bytes of field `index` (from 0) of the record type with tag byte `type` (as a signed
   // char); 0 for unknown types, fields beyond the last and negative widths.
   int get_elem_size(int type, int index) const;
+  // The widths of the fields of all record types.
+  record_layout layout() const;
 
   // Lists every record definition as progress.
   void dump_entries() const;

@@ -20,6 +20,7 @@ namespace kiv {
 class record_bytes {
  public:
   static constexpr std::size_t max_payload = 65535;
+  static constexpr std::size_t max_record = 3 + max_payload;
 
   explicit record_bytes(bool little_endian) : little_endian_(little_endian) {}
 

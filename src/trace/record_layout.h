@@ -9,18 +9,20 @@
 
 namespace kiv {
 
-class kiv_hdr;
-
-// The field widths of all record types, taken from the header's definitions once per trace, so that
-// a field's width is an array access.
+// The field widths of all record types, taken from a header's definitions once per trace, so that a
+// field's width is an array access.
 class record_layout {
  public:
   static constexpr unsigned max_fields = 8;  // no record type reads more than seven
 
   record_layout() = default;
-  explicit record_layout(const kiv_hdr& header);
-  // Of the definitions that a header is made from.
+  // Of the definitions that a header is made from; kiv_hdr::layout() gives that of one that was
+  // read.
   explicit record_layout(std::span<const record_definition> definitions);
+
+  void set_width(kiv_type type, unsigned field, std::uint32_t bytes) {
+    widths_[static_cast<unsigned>(type)][field] = bytes;
+  }
 
   // The widths of a type's fields in bytes, max_fields of them; 0 for a field or a type that the
   // header does not define.

@@ -80,7 +80,7 @@ constexpr const record_type& record_type_of(kiv_type type) {
   return record_types.at(i);
 }
 
-// The letters of a type's fields, such as "upps".
+// Calls take(name, letter) for each of a type's `fields`.
 template <class Take>
 constexpr void for_each_field(std::string_view fields, Take take) {
   while (!fields.empty()) {
