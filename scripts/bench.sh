@@ -124,6 +124,17 @@ for tag in F Z; do
     "$(instructions base/kiv.1.kivhdr "$memory_row")" 1000
 done
 
+printf '\nWriting through the C interface\n'
+writing_instructions() {
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$tools/write_records" "$1" written 2>&1 \
+    >/dev/null | sed -n 's/.*Collected *: *//p'
+}
+per_record 'instructions per record' "$(writing_instructions 500000)" \
+  "$(writing_instructions 100000)" 400000
+limit 'libkivtrace: instructions per record' "$last" 200
+"$tools/write_records" 10000000 written
+rm -r written
+
 printf '\nPeak memory (operating system) and whole runs\n'
 printf '  %-12s %9s %12s %10s %10s %8s %11s\n' trace records 'live blocks' 'data, KiB' 'peak, KiB' \
   'wall, s' 'tables, MB'
