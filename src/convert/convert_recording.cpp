@@ -95,7 +95,8 @@ class converter {
   void mark(const std::string& words) { trace_.write(KivMarker{words}); }
   const traced_allocation& traced(std::uint32_t allocation);
   void stop_using_raw();
-  void tell_of_faults(conversion_result& result) const;
+  // `last`: the last event of the recording.
+  void tell_of_faults(const recorded_event& last, conversion_result& result) const;
 
   moment now() const {
     const std::int64_t nsecs = start_.nsecs + milliseconds_ % 1000 * 1'000'000;
@@ -129,7 +130,7 @@ conversion_result converter::run(const std::function<void(std::uint64_t)>& progr
       apply(event);
       if (++events % events_between == 0) progress(recording_.bytes_taken());
     }
-    tell_of_faults(result);
+    tell_of_faults(event, result);
     if (result.how == conversion_result::outcome::complete) {
       end();
       trace_.close(now());
@@ -267,13 +268,17 @@ void converter::stop_using_raw() {
   raw_.reset();
 }
 
-void converter::tell_of_faults(conversion_result& result) const {
+void converter::tell_of_faults(const recorded_event& last, conversion_result& result) const {
   const auto lost = [&](std::string words) {
     result.how = conversion_result::outcome::incomplete;
     result.messages.push_back(std::move(words));
   };
   if (!recording_.complete()) {
     lost(fmt::format("{} behind line {}", recording_.fault(), recording_.line()));
+  } else if (last.what != recorded_event::kind::resident_memory) {
+    // The recorder writes what it still holds, and ends with the resident memory, when the program
+    // cleans up.
+    lost("the program was killed or left by _exit or exec: what it did last is missing");
   }
   if (const recording_faults& faults = recording_.unreadable(); faults.count == 1) {
     lost(fmt::format("line {} cannot be read", faults.first_line));

@@ -110,6 +110,15 @@ TEST_F(DamagedRecording, WhateverIsCutOffTheRestIsConverted) {
   }
 }
 
+TEST_F(DamagedRecording, AProgramThatDidNotCleanUpIsSaidToLackItsLastEvents) {
+  for (const char* last : {"+ 0", "- 0", "c 7", "A"}) {
+    const converted made = convert(small().cut() + last + "\n# strings: 3\n# ips: 2\n");
+    EXPECT_EQ(made.how, outcome::incomplete) << last;
+    EXPECT_TRUE(made.messages.starts_with("the program was killed or left by")) << made.messages;
+    expect_left_open(made);
+  }
+}
+
 TEST_F(DamagedRecording, PackedFilesSayWhereTheyBreakOff) {
   recording r = small();
   std::mt19937 random(1);  // lines that do not pack well

@@ -68,7 +68,10 @@ recording& recording::time(std::uint64_t milliseconds) {
   return line(fmt::format("c {:x}", milliseconds));
 }
 
-recording& recording::resident(std::uint64_t pages) { return line(fmt::format("R {:x}", pages)); }
+recording& recording::resident(std::uint64_t pages) {
+  resident_ = pages;
+  return line(fmt::format("R {:x}", pages));
+}
 
 recording& recording::line(std::string_view text) {
   text_.append(text).append("\n");
@@ -80,7 +83,8 @@ std::size_t recording::lines() const {
 }
 
 std::string recording::text() const {
-  return text_ + fmt::format("# strings: {}\n# ips: {}\n", strings_.size(), instructions_);
+  return text_ + fmt::format("R {:x}\n# strings: {}\n# ips: {}\n", resident_, strings_.size(),
+                             instructions_);
 }
 
 }  // namespace kiv::test

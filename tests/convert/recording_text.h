@@ -41,7 +41,7 @@ class recording {
   recording& line(std::string_view text);  // as it stands
 
   std::size_t lines() const;  // so far
-  std::string text() const;   // with the recorder's closing words
+  std::string text() const;   // with the recorder's closing words, of an orderly end
   std::string cut() const { return text_; }
   std::string raw_text() const { return raw_; }
 
@@ -53,6 +53,7 @@ class recording {
   std::map<std::string, number, std::less<>> strings_;
   number instructions_ = 0, stacks_ = 0;
   std::vector<std::uint64_t> sizes_;
+  std::uint64_t resident_ = 0;
 };
 
 }  // namespace kiv::test
