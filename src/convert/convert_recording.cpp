@@ -278,7 +278,7 @@ void converter::tell_of_faults(const recorded_event& last, conversion_result& re
   } else if (last.what != recorded_event::kind::resident_memory) {
     // The recorder writes what it still holds, and ends with the resident memory, when the program
     // cleans up.
-    lost("the program was killed or left by _exit or exec: what it did last is missing");
+    lost("the program was killed or left by _exit, abort or exec: what it did last is missing");
   }
   if (const recording_faults& faults = recording_.unreadable(); faults.count == 1) {
     lost(fmt::format("line {} cannot be read", faults.first_line));
@@ -294,7 +294,8 @@ void converter::tell_of_faults(const recorded_event& last, conversion_result& re
   }
   if (!raw_fault_.empty()) lost(raw_fault_);
   if (recording_.stacks().left_out_calls()) {
-    lost(fmt::format("calls beyond a depth of {} are left out", recorded_stacks::max_depth));
+    lost(fmt::format("calls beyond a depth of {} or {} call paths are left out",
+                     recorded_stacks::max_depth, recorded_stacks::max_paths));
   }
   if (split_ != 0) {
     result.messages.push_back(

@@ -6,6 +6,13 @@ namespace {
 constexpr std::uint64_t longest_run = std::uint64_t{1} << 40;    // milliseconds
 constexpr std::uint64_t most_resident = std::uint64_t{1} << 48;  // bytes
 
+// Far more than programs have. A small packed file can hold any number of lines, and each takes
+// memory.
+constexpr std::size_t most_code = std::size_t{1} << 24;    // strings, instructions
+constexpr std::size_t most_inlined = std::size_t{1} << 8;  // of one instruction
+constexpr std::size_t most_stacks = std::size_t{1} << 26;  // stacks, sizes
+constexpr std::size_t most_string_bytes = std::size_t{1} << 30;
+
 }  // namespace
 
 bool heaptrack_recording::start_reading(std::string& error) {
@@ -32,8 +39,17 @@ std::string heaptrack_recording::fault() const {
 
 void heaptrack_recording::read_code(std::string_view line) {
   const std::string_view rest = line.substr(line.empty() ? 0 : 1);
+  if (code_.strings() >= most_code || code_.instructions() >= most_code ||
+      string_bytes_ >= most_string_bytes || stacks_.stacks() >= most_stacks ||
+      allocations_.size() >= most_stacks) {
+    if (!line.empty() && std::string_view("sita").find(line.front()) != std::string_view::npos) {
+      unreadable_.add(lines_->number());
+    }
+    return;
+  }
   switch (line.empty() ? '#' : line.front()) {
     case 's':
+      string_bytes_ += rest.size();
       return read_string(rest);
     case 'i':
       return read_instruction(rest);
@@ -105,6 +121,10 @@ void heaptrack_recording::read_instruction(std::string_view line) {
   bool sound = fields.take(address) && fields.take(module);
   frames_.clear();
   while (sound && !fields.empty()) {
+    if (frames_.size() == most_inlined) {
+      sound = false;
+      break;
+    }
     recorded_code::frame& frame = frames_.emplace_back();
     sound = fields.take(frame.function);
     // The last of the functions may lack its place.

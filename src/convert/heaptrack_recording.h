@@ -96,6 +96,7 @@ class heaptrack_recording {
   recorded_code code_;
   recorded_stacks stacks_;
   std::vector<allocation> allocations_;
+  std::uint64_t string_bytes_ = 0;
   std::vector<recorded_code::frame> frames_;  // of the instruction that is read
   bool end_seen_ = false;
   recording_faults unreadable_;

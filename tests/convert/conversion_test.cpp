@@ -202,7 +202,7 @@ TEST_F(Conversion, CallsBeyondTheDepthLimitAreLeftOutAndSaid) {
   r.make(r.allocation(8, stack));
   const converted made = convert(r.text());
   EXPECT_EQ(made.how, outcome::incomplete);
-  EXPECT_EQ(made.messages, "calls beyond a depth of 1024 are left out\n");
+  EXPECT_EQ(made.messages, "calls beyond a depth of 1024 or 33554432 call paths are left out\n");
   EXPECT_EQ(leaked(made.trace), (amount{1, 8, 8}));
   EXPECT_EQ(made.trace.lines.at(1), "app.c:2");
 }

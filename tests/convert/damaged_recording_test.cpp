@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <random>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "conversion_fixture.h"
 #include "packed_text.h"
@@ -28,36 +31,15 @@ void expect_left_open(const converted& made) {
 
 TEST_F(DamagedRecording, ALineThatCannotBeUsedIsLostAlone) {
   const std::size_t lines = small().lines();
-  for (const char* line : {"+",
-                           "+ ",
-                           "+ 1",
-                           "+ -1",
-                           "+ zz",
-                           "+ 00000000000000000",
-                           "+ 0x0",
-                           "- 1",
-                           "c",
-                           "c fffffffffff",
-                           "R ffffffffffffff",
-                           "? 0",
-                           "junk",
-                           "s 3 ab",
-                           "s x",
-                           "i",
-                           "i 10",
-                           "i 10 9",
-                           "i 10 1 9",
-                           "i 10 1 2 9",
-                           "t 1",
-                           "t 0 0",
-                           "t 3 0",
-                           "t 1 3",
-                           "a 10",
-                           "a 10 3",
-                           "a 4000000001 1",
-                           "v 10400 3",
-                           "X app",
-                           "I 1000 4000"}) {
+  std::string inlined_too_often = "i 10 1";
+  for (int i = 0; i < 300; ++i) inlined_too_often += " 2 0 1";
+  std::istringstream unusable(
+      inlined_too_often + "\n" +
+      "+\n+ \n+ 1\n+ -1\n+ zz\n+ 00000000000000000\n+ 0x0\n- 1\nc\nc fffffffffff\n"
+      "R ffffffffffffff\n? 0\njunk\ns 3 ab\ns x\ni\ni 10\ni 10 9\ni 10 1 9\ni 10 1 2 9\n"
+      "t 1\nt 0 0\nt 3 0\nt 1 3\na 10\na 10 3\na 4000000001 1\nv 10400 3\nX app\n"
+      "I 1000 4000\n");
+  for (std::string line; std::getline(unusable, line);) {
     recording r = small();
     r.line(line);
     const converted made = convert(r.text());
