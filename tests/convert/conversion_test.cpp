@@ -197,7 +197,8 @@ TEST_F(Conversion, CallsBeyondTheDepthLimitAreLeftOutAndSaid) {
   recording r;
   std::uint64_t stack = 0;
   for (int i = 0; i < 1500; ++i) {
-    stack = r.call("/usr/bin/app", {{i == 1499 ? "deepest" : "again", "app.c", 1u + i % 2}}, stack);
+    stack = r.call("/usr/bin/app",
+                   {{i == 1499 ? "deepest" : "again", "app.c", i % 2 == 0 ? 1u : 2u}}, stack);
   }
   r.make(r.allocation(8, stack));
   const converted made = convert(r.text());

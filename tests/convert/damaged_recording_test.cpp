@@ -24,9 +24,7 @@ recording small() {
 
 // The trace of a recording that broke off is that of a process that was killed, and no worse.
 void expect_left_open(const converted& made) {
-  const auto named = losses(made.trace);
-  EXPECT_EQ(named,
-            (std::vector<std::string>{"header not closed", "data files shorter than recorded"}));
+  EXPECT_EQ(losses(made.trace), std::vector<std::string>{"header not closed"});
 }
 
 TEST_F(DamagedRecording, ALineThatCannotBeUsedIsLostAlone) {
@@ -115,7 +113,7 @@ TEST_F(DamagedRecording, PackedFilesSayWhereTheyBreakOff) {
     // Files that follow one another are one.
     EXPECT_EQ(convert(pack(text.substr(0, 1000)) + pack(text.substr(1000))).how, outcome::complete);
 
-    for (const std::size_t part : {4, 2}) {
+    for (const std::size_t part : {4u, 2u}) {
       const converted made = convert(packed.substr(0, packed.size() - packed.size() / part));
       EXPECT_EQ(made.how, outcome::incomplete);
       EXPECT_TRUE(

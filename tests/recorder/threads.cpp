@@ -50,7 +50,7 @@ std::unique_ptr<node> chain(int length) {
 void work(int seed) {
   for (int round = 0; round < 200; ++round) {
     {
-      auto own = std::make_unique<char[]>(static_cast<std::size_t>(100 + seed));
+      auto own = std::make_unique<char[]>(100 + static_cast<std::size_t>(seed));
       const std::lock_guard lock(shelf_mutex);
       if (round % 3 == 0 && !shelf.empty()) shelf.erase(shelf.begin());
       shelf.push_back(std::move(own));
