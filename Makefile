@@ -1,12 +1,12 @@
 # Thin: the build is CMake's (see CMakePresets.json), the work is in scripts/. Each command first
 # installs the Debian packages that it needs (scripts/setup.sh), as root or by sudo.
 .DEFAULT_GOAL := help
-.PHONY: help build demo test test-page bench check test32 format package try-package clean
+.PHONY: help build demo test test-page test-recorder bench check test32 format package try-package clean
 
 help: ## Show this list
-	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / { printf "  make %-13s %s\n", $$1, $$2 }' Makefile
 
-build: ## Build both programs into build/release
+build: ## Build the programs into build/release
 	@scripts/setup.sh build
 	@scripts/build.sh
 
@@ -22,9 +22,12 @@ bench: ## Build and run the benchmarks
 	@scripts/setup.sh build bench
 	@scripts/bench.sh
 
-check: ## The slow checks: format, includes, the page, clang, sanitizers, clang-tidy, fuzzing
-	@scripts/setup.sh build test format check browser
+check: ## The slow checks: format, includes, the page, recordings, clang, sanitizers, tidy, fuzzing
+	@scripts/setup.sh build test format check browser recorder
 	@scripts/check.sh
+
+test-recorder: ## Record programs with heaptrack and hold their traces against its own figures
+	@scripts/test_recorder.sh
 
 test-page: ## Open pages of kivdb html in a browser and test them
 	@scripts/test_browser.sh

@@ -2,7 +2,7 @@
 find_program(GZIP gzip REQUIRED)
 
 set(manual_pages)
-foreach(program kiv kivdb)
+foreach(program kiv kivdb kivconvert)
   set(page ${PROJECT_BINARY_DIR}/docs/${program}.1)
   configure_file(docs/${program}.1.in ${page} @ONLY)
   add_custom_command(OUTPUT ${page}.gz DEPENDS ${page}
@@ -30,4 +30,4 @@ install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Data that README.md works on, so not below doc/, which small systems leave out.
 install(DIRECTORY samples DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
-        FILES_MATCHING PATTERN "*.kivhdr" PATTERN "*.kivdat" PATTERN "*.c")
+        FILES_MATCHING PATTERN "*.kivhdr" PATTERN "*.kivdat" PATTERN "*.zst" PATTERN "*.c")

@@ -10,4 +10,4 @@ if [ "${1-}" = --all ]; then
 fi
 # A build directory that has the tests keeps them; the programs alone need no test library.
 [ -e build/release/build.ninja ] || cmake --preset release -DKIV_TESTS=OFF >/dev/null
-exec cmake --build --preset release --target kiv kivdb kivtrace manual_pages
+exec cmake --build --preset release --target kiv kivdb kivconvert kivtrace manual_pages

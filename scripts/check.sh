@@ -18,6 +18,9 @@ scripts/check_page.sh
 step "the page in a browser"
 scripts/test_browser.sh -q
 
+step "recordings of real programs"
+scripts/test_recorder.sh
+
 step "clang, warnings as errors, address and undefined behaviour sanitizers"
 cmake --preset asan -DKIV_BENCH=ON >/dev/null
 cmake --build --preset asan

@@ -1,10 +1,11 @@
 #!/bin/sh
 # demo.sh BUILD_DIRECTORY: analyses copies of the sample traces, shows what came out, and puts it
-# into a database that answers questions.
+# into a database that answers questions; converts the sample recording and reports its trace.
 set -eu
 
 program=$(realpath "$1/src/kiv")
 kivdb=$(realpath "$1/src/kivdb")
+kivconvert=$(realpath "$1/src/kivconvert")
 cd "$(dirname "$0")/.."
 rm -rf build/demo
 mkdir -p build/demo
@@ -68,10 +69,17 @@ printf '  $ kivdb report MIX --top 3\n'
 "$kivdb" report MIX --top 3
 for run in */; do
   run=${run%/}
+  [ "$run" != recordings ] || continue
   printf '\n  $ kivdb import %s -o runs.db\n' "$run"
   "$kivdb" import "$run" -o runs.db
 done
 printf '\n  $ kivdb trend runs.db\n'
 "$kivdb" trend runs.db
+
+printf '\n== From a recording of any program to a report\n'
+printf '  $ kivconvert recordings/heaptrack.bakery.4711.zst -o bakery\n'
+"$kivconvert" recordings/heaptrack.bakery.4711.zst -o bakery
+printf '  $ kivdb report bakery --top 3\n'
+"$kivdb" report bakery --top 3
 printf '\nWhat the columns mean: docs/tables.md. What to ask: docs/database.md, kivdb views.\n'
 printf 'The database: build/demo/runs.db\n'

@@ -22,7 +22,8 @@ else
 fi
 dpkg -I "$package" | grep -E '^ (Package|Version|Architecture|Depends|Installed-Size):'
 kivdb --version
-for page in kiv kivdb; do
+kivconvert --version
+for page in kiv kivdb kivconvert; do
   gzip -dc "$root/usr/share/man/man1/$page.1.gz" | head -1
 done
 scripts/readme_example.sh "$root/usr/share/kiv/samples" README.md docs/tables-by-hand.md \

@@ -53,8 +53,8 @@ trace_identity identity_of(const conversion& wanted, const heaptrack_recording& 
   trace_identity made;
   made.run_id = wanted.run_id;
   made.pid = static_cast<int>(wanted.pid);
-  made.program = program_of(recording.command());
-  made.environment = recording.recorder();
+  made.program = program_of(recording.head().command);
+  made.environment = recording.head().recorder;
   made.start = start;
   return made;
 }
@@ -95,7 +95,8 @@ class converter {
   void mark(const std::string& words) { trace_.write(KivMarker{words}); }
   const traced_allocation& traced(std::uint32_t allocation);
   void stop_using_raw();
-  void tell_of_faults(conversion_result& result) const;
+  // `last`: the last event of the recording.
+  void tell_of_faults(const recorded_event& last, conversion_result& result) const;
 
   moment now() const {
     const std::int64_t nsecs = start_.nsecs + milliseconds_ % 1000 * 1'000'000;
@@ -129,7 +130,7 @@ conversion_result converter::run(const std::function<void(std::uint64_t)>& progr
       apply(event);
       if (++events % events_between == 0) progress(recording_.bytes_taken());
     }
-    tell_of_faults(result);
+    tell_of_faults(event, result);
     if (result.how == conversion_result::outcome::complete) {
       end();
       trace_.close(now());
@@ -145,13 +146,13 @@ conversion_result converter::run(const std::function<void(std::uint64_t)>& progr
 }
 
 void converter::begin() {
-  const std::string program = program_of(recording_.command());
+  const std::string program = program_of(recording_.head().command);
   trace_.write(KivTimeStamp{static_cast<std::uint32_t>(start_.secs),
                             static_cast<std::uint32_t>(start_.nsecs)});
   trace_.write(KivProcessStart{wanted_.pid, 0, program});
   trace_.write(KivProcessSpecialLoad{wanted_.pid, 0, program});
   trace_.write(KivSchedule{0, wanted_.pid});
-  mark("start of " + recording_.command());
+  mark("start of " + recording_.head().command);
   code_.announce();
   live_bytes_.resize(recording_.code().objects() + 1);
 }
@@ -256,55 +257,84 @@ void converter::grow(std::uint64_t resident) {
 }
 
 void converter::stop_using_raw() {
-  raw_fault_ = fmt::format("{} tells other allocations from line {} on: it belongs to another run",
-                           wanted_.raw, raw_->line());
+  if (raw_->at_end()) {
+    raw_fault_ = fmt::format("{} ends too early, behind line {}{}{}", wanted_.raw, raw_->line(),
+                             raw_->fault().empty() ? "" : ": ", raw_->fault());
+  } else {
+    raw_fault_ = fmt::format("{} tells other allocations from line {} on: it is of another run",
+                             wanted_.raw, raw_->line());
+  }
+  raw_fault_ += "; from there on equal blocks end youngest first";
   raw_.reset();
 }
 
-void converter::tell_of_faults(conversion_result& result) const {
+void converter::tell_of_faults(const recorded_event& last, conversion_result& result) const {
   const auto lost = [&](std::string words) {
     result.how = conversion_result::outcome::incomplete;
     result.messages.push_back(std::move(words));
   };
   if (!recording_.complete()) {
     lost(fmt::format("{} behind line {}", recording_.fault(), recording_.line()));
+  } else if (last.what != recorded_event::kind::resident_memory) {
+    // The recorder writes what it still holds, and ends with the resident memory, when the program
+    // cleans up.
+    lost("the program was killed or left by _exit, abort or exec: what it did last is missing");
   }
-  if (const recording_faults& faults = recording_.unreadable(); faults.count != 0) {
+  if (const recording_faults& faults = recording_.unreadable(); faults.count == 1) {
+    lost(fmt::format("line {} cannot be read", faults.first_line));
+  } else if (faults.count > 1) {
     lost(fmt::format("{} lines cannot be read, the first of them is line {}", faults.count,
                      faults.first_line));
   }
-  if (unknown_releases_.count != 0) {
-    lost(fmt::format("{} ends of blocks that are not live, the first of them in line {}",
+  if (unknown_releases_.count == 1) {
+    lost(fmt::format("line {} ends a block that is not live", unknown_releases_.first_line));
+  } else if (unknown_releases_.count > 1) {
+    lost(fmt::format("{} lines end blocks that are not live, the first of them is line {}",
                      unknown_releases_.count, unknown_releases_.first_line));
   }
   if (!raw_fault_.empty()) lost(raw_fault_);
   if (recording_.stacks().left_out_calls()) {
-    lost(fmt::format("calls beyond a depth of {} are left out", recorded_stacks::max_depth));
+    lost(fmt::format("calls beyond a depth of {} or {} call paths are left out",
+                     recorded_stacks::max_depth, recorded_stacks::max_paths));
   }
   if (split_ != 0) {
     result.messages.push_back(
-        fmt::format("{} allocations of more than 4 GiB are several blocks each", split_));
+        fmt::format("allocations of more than 4 GiB, which are several blocks each: {}", split_));
   }
 }
 
-conversion_result refusal(std::string words) {
-  return {conversion_result::outcome::refused, {std::move(words)}};
+// Null, with the reason, when the file is no raw recording.
+std::unique_ptr<raw_recording> open_raw(const std::string& path, std::string& refusal) {
+  const recording_source source = [&](std::string& fault) { return open_recording(path, fault); };
+  recording_head head;
+  std::optional<recording_lines> lines;
+  if (read_recording_head(source, head, refusal)) {
+    if (!head.is_raw) refusal = "is no raw recording";
+    lines = lines_behind(head, source, refusal);
+  }
+  if (!refusal.empty()) {
+    refusal = path + ": " + refusal;
+    return nullptr;
+  }
+  return std::make_unique<raw_recording>(std::move(*lines));
 }
 
 }  // namespace
 
 conversion_result convert_recording(const conversion& wanted,
                                     const std::function<void(std::uint64_t)>& progress) {
-  std::string error;
+  const auto refused = [](std::string words) {
+    return conversion_result{conversion_result::outcome::refused, {std::move(words)}};
+  };
+  std::string refusal;
   std::unique_ptr<raw_recording> raw;
   if (!wanted.raw.empty()) {
-    std::unique_ptr<recording_bytes> raw_bytes = open_recording(wanted.raw, error);
-    if (raw_bytes == nullptr) return refusal(fmt::format("{}: {}", wanted.raw, error));
-    raw = std::make_unique<raw_recording>(std::move(raw_bytes));
+    raw = open_raw(wanted.raw, refusal);
+    if (raw == nullptr) return refused(std::move(refusal));
   }
   heaptrack_recording recording(
       [&](std::string& fault) { return open_recording(wanted.recording, fault); });
-  if (!recording.open(error)) return refusal(error);
+  if (!recording.open(refusal)) return refused(std::move(refusal));
   return converter(wanted, recording, std::move(raw)).run(progress);
 }
 

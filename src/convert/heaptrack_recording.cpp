@@ -1,87 +1,35 @@
 #include "convert/heaptrack_recording.h"
 
-#include <fmt/format.h>
-
 namespace kiv::convert {
 namespace {
 
-constexpr std::uint64_t newest_format = 3;
-constexpr std::uint64_t longest_run = std::uint64_t{1} << 42;    // milliseconds
-constexpr std::uint64_t largest_page = std::uint64_t{1} << 32;   // bytes
+constexpr std::uint64_t longest_run = std::uint64_t{1} << 40;    // milliseconds
 constexpr std::uint64_t most_resident = std::uint64_t{1} << 48;  // bytes
+
+// Far more than programs have. A small packed file can hold any number of lines, and each takes
+// memory.
+constexpr std::size_t most_code = std::size_t{1} << 24;    // strings, instructions
+constexpr std::size_t most_inlined = std::size_t{1} << 8;  // of one instruction
+constexpr std::size_t most_stacks = std::size_t{1} << 26;  // stacks, sizes
+constexpr std::size_t most_string_bytes = std::size_t{1} << 30;
 
 }  // namespace
 
 bool heaptrack_recording::start_reading(std::string& error) {
-  std::unique_ptr<recording_bytes> bytes = source_(error);
-  if (bytes == nullptr) return false;
-  lines_.emplace(std::move(bytes));
-  return true;
+  lines_ = lines_behind(head_, source_, error);
+  return lines_.has_value();
 }
 
 bool heaptrack_recording::open(std::string& refusal) {
-  if (!start_reading(refusal) || !read_start(refusal)) return false;
+  if (!read_recording_head(source_, head_, refusal)) return false;
+  if (head_.is_raw) {
+    refusal = "is a raw recording; heaptrack_interpret makes of it what can be converted";
+    return false;
+  }
+  if (!start_reading(refusal)) return false;
   std::string_view line;
   while (lines_->next(line)) read_code(line);
   return start_reading(refusal);
-}
-
-// Tells a recording from other files, the raw ones among them, before anything comes of it.
-bool heaptrack_recording::read_start(std::string& refusal) {
-  std::string_view line;
-  if (!lines_->next(line) || !read_version(line, refusal)) {
-    if (refusal.empty()) {
-      refusal = lines_->fault().empty() ? "is empty" : "is no recording: " + lines_->fault();
-    }
-    return false;
-  }
-  while (lines_->next(line)) {
-    switch (line.empty() ? '#' : line.front()) {
-      case 'x':
-      case 'm':
-        refusal = "is a raw recording; heaptrack_interpret makes of it what can be converted";
-        return false;
-      case 'X':
-        command_ = line_fields(line.substr(1)).rest();
-        break;
-      case 'I':
-        read_page_size(line.substr(1));
-        break;
-      case '#':
-        break;
-      default:
-        read_code(line);
-        return true;
-    }
-  }
-  return true;
-}
-
-void heaptrack_recording::read_page_size(std::string_view line) {
-  line_fields fields(line);
-  std::uint64_t size = 0;
-  if (fields.take(size) && size != 0 && size <= largest_page) {
-    page_size_ = size;
-  } else {
-    unreadable_.add(lines_->number());
-  }
-}
-
-bool heaptrack_recording::read_version(std::string_view line, std::string& refusal) {
-  std::uint64_t recorder = 0;
-  line_fields fields(line.substr(line.empty() ? 0 : 1));
-  if (!line.starts_with("v ") || !fields.take(recorder) || !fields.take(format_)) {
-    refusal = "is no recording of heaptrack";
-    return false;
-  }
-  if (format_ == 0 || format_ > newest_format) {
-    refusal = fmt::format("has the recorder's file format {}; 1 to {} can be read", format_,
-                          newest_format);
-    return false;
-  }
-  recorder_ = fmt::format("heaptrack {:x}.{:x}.{:x}", recorder >> 16 & 0xff, recorder >> 8 & 0xff,
-                          recorder & 0xff);
-  return true;
 }
 
 std::string heaptrack_recording::fault() const {
@@ -91,8 +39,17 @@ std::string heaptrack_recording::fault() const {
 
 void heaptrack_recording::read_code(std::string_view line) {
   const std::string_view rest = line.substr(line.empty() ? 0 : 1);
+  if (code_.strings() >= most_code || code_.instructions() >= most_code ||
+      string_bytes_ >= most_string_bytes || stacks_.stacks() >= most_stacks ||
+      allocations_.size() >= most_stacks) {
+    if (!line.empty() && std::string_view("sita").find(line.front()) != std::string_view::npos) {
+      unreadable_.add(lines_->number());
+    }
+    return;
+  }
   switch (line.empty() ? '#' : line.front()) {
     case 's':
+      string_bytes_ += rest.size();
       return read_string(rest);
     case 'i':
       return read_instruction(rest);
@@ -117,8 +74,9 @@ bool heaptrack_recording::read_event(std::string_view line, recorded_event& even
     case 'c':
       return read_event(kind::time, longest_run, rest, event);
     case 'R':
-      if (!read_event(kind::resident_memory, most_resident / page_size_, rest, event)) return false;
-      event.value *= page_size_;
+      if (!read_event(kind::resident_memory, most_resident / head_.page_size, rest, event))
+        return false;
+      event.value *= head_.page_size;
       return true;
     case 'A':
       event = {kind::attached, 0};
@@ -131,9 +89,6 @@ bool heaptrack_recording::read_event(std::string_view line, recorded_event& even
     case 'i':
     case 't':
     case 'a':
-    case 'v':
-    case 'X':
-    case 'I':
     case 'S':  // leaks that the program wants its users not to see
       return false;
     default:
@@ -153,7 +108,7 @@ bool heaptrack_recording::read_event(recorded_event::kind what, std::uint64_t li
 void heaptrack_recording::read_string(std::string_view line) {
   line_fields fields(line);
   std::uint64_t length = 0;
-  const bool is_sized = format_ >= 3;
+  const bool is_sized = head_.format >= 3;
   const bool has_size = !is_sized || fields.take(length);
   const std::string_view text = fields.rest();
   if (!has_size || (is_sized && text.size() != length)) unreadable_.add(lines_->number());
@@ -166,6 +121,10 @@ void heaptrack_recording::read_instruction(std::string_view line) {
   bool sound = fields.take(address) && fields.take(module);
   frames_.clear();
   while (sound && !fields.empty()) {
+    if (frames_.size() == most_inlined) {
+      sound = false;
+      break;
+    }
     recorded_code::frame& frame = frames_.emplace_back();
     sound = fields.take(frame.function);
     // The last of the functions may lack its place.

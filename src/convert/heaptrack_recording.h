@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +9,7 @@
 
 #include "convert/recorded_code.h"
 #include "convert/recorded_stacks.h"
+#include "convert/recording_head.h"
 #include "convert/recording_lines.h"
 
 namespace kiv::convert {
@@ -36,9 +35,6 @@ struct recording_faults {
     if (count++ == 0 || line < first_line) first_line = line;
   }
 };
-
-// Opens the bytes of a recording from their start. Null, with `error` set, when it cannot.
-using recording_source = std::function<std::unique_ptr<recording_bytes>(std::string& error)>;
 
 // Reads an interpreted recording of heaptrack, of the file formats 1 to 3: lines of which the first
 // letter says what they hold. It is read twice: code, stacks and sizes first, since a trace
@@ -77,17 +73,13 @@ class heaptrack_recording {
 
   const recorded_code& code() const { return code_; }
   const recorded_stacks& stacks() const { return stacks_; }
-  const std::string& command() const { return command_; }    // of the recorded program
-  const std::string& recorder() const { return recorder_; }  // "heaptrack 1.4.0"
+  const recording_head& head() const { return head_; }
   std::uint64_t line() const { return lines_->number(); }
   std::uint64_t bytes_taken() const { return lines_->bytes().taken(); }  // of the second reading
   const recording_faults& unreadable() const { return unreadable_; }
 
  private:
   bool start_reading(std::string& error);
-  bool read_version(std::string_view line, std::string& refusal);
-  bool read_start(std::string& refusal);
-  void read_page_size(std::string_view line);
   void read_code(std::string_view line);
   void read_string(std::string_view line);
   void read_instruction(std::string_view line);
@@ -100,13 +92,11 @@ class heaptrack_recording {
 
   recording_source source_;
   std::optional<recording_lines> lines_;
-  std::uint64_t format_ = 0;
-  std::uint64_t page_size_ = 4096;
-  std::string command_;
-  std::string recorder_;
+  recording_head head_;
   recorded_code code_;
   recorded_stacks stacks_;
   std::vector<allocation> allocations_;
+  std::uint64_t string_bytes_ = 0;
   std::vector<recorded_code::frame> frames_;  // of the instruction that is read
   bool end_seen_ = false;
   recording_faults unreadable_;

@@ -13,6 +13,7 @@ char raw_recording::next(std::uint64_t& size, std::uint64_t& address) {
     if (what == '+' && fields.take(size) && fields.take(stack) && fields.take(address)) return what;
     if (what == '-' && fields.take(address) && block_at_.contains(address)) return what;
   }
+  at_end_ = true;
   return 0;
 }
 

@@ -40,9 +40,9 @@ std::uint32_t recorded_code::find_or_add_function(std::uint32_t object, std::str
   return known->second;
 }
 
-std::uint32_t recorded_code::find_or_add_location(std::string text) {
-  const auto [known, is_new] = location_numbers_.try_emplace(
-      std::move(text), static_cast<std::uint32_t>(locations_.size() + 1));
+std::uint32_t recorded_code::find_or_add_location(const std::string& text) {
+  const auto [known, is_new] =
+      location_numbers_.try_emplace(text, static_cast<std::uint32_t>(locations_.size() + 1));
   if (is_new) locations_.push_back(known->first);
   return known->second;
 }

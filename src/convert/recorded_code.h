@@ -64,7 +64,7 @@ class recorded_code {
  private:
   std::uint32_t object_of(std::uint64_t module);
   std::uint32_t find_or_add_function(std::uint32_t object, std::string_view name);
-  std::uint32_t find_or_add_location(std::string text);
+  std::uint32_t find_or_add_location(const std::string& text);
   std::string_view string_at(std::uint64_t index) const { return strings_[index - 1]; }
 
   std::deque<std::string> strings_;

@@ -3,7 +3,7 @@
 namespace kiv::convert {
 
 std::uint32_t recorded_stacks::find_or_add_path(std::uint32_t parent, std::uint32_t function) {
-  if (paths_[parent].depth == max_depth) {
+  if (paths_[parent].depth == max_depth || paths_.size() >= max_paths) {
     left_out_calls_ = true;
     return parent;
   }

@@ -26,6 +26,8 @@ class recorded_stacks {
   // Calls beyond this depth are left out of the paths: two stacks in turn would cost as many
   // records an allocation.
   static constexpr std::uint32_t max_depth = 1024;
+  // A short recording can tell of any number of paths, by stacks that share long instructions.
+  static constexpr std::uint32_t max_paths = 1U << 25;
   bool left_out_calls() const { return left_out_calls_; }
 
   // Who allocates with a stack: its calling functions, and the place; `operator new` is left out.

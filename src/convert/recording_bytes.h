@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -20,6 +21,9 @@ class recording_bytes {
   // Why the end came before the end of what was packed; empty when it did not.
   virtual const std::string& fault() const = 0;
 };
+
+// Opens the bytes of a recording from their start. Null, with `error` set, when it cannot.
+using recording_source = std::function<std::unique_ptr<recording_bytes>(std::string& error)>;
 
 // Null, with `error` set, when there is no regular file that can be read.
 std::unique_ptr<recording_bytes> open_recording(const std::string& path, std::string& error);

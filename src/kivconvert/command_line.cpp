@@ -19,6 +19,7 @@
 #include "convert/convert_recording.h"
 #include "kivconvert/progress_line.h"
 #include "kivconvert/recording_name.h"
+#include "trace/header_text.h"
 #include "util/printable.h"
 
 namespace kiv::convert {
@@ -109,6 +110,19 @@ std::vector<conversion> conversions(const arguments& given) {
   return all;
 }
 
+// All headers of a directory are one run, so what stands there already becomes part of it.
+void tell_of_other_traces(const arguments& given, const std::vector<conversion>& all) {
+  std::set<std::string> own;
+  for (const conversion& one : all) own.insert(header_file_name("kiv", std::to_string(one.pid)));
+  std::error_code failure;
+  for (std::filesystem::directory_iterator entry(given.directory, failure), end;
+       !failure && entry != end; entry.increment(failure)) {
+    const std::string name = entry->path().filename().string();
+    if (name.find("kivhdr") == std::string::npos || own.contains(name)) continue;
+    complain(entry->path().string() + " is there already; its process is part of the run too");
+  }
+}
+
 int convert(const conversion& wanted) {
   conversion_result result;
   {
@@ -128,6 +142,7 @@ int convert(const conversion& wanted) {
 int convert_all(const arguments& given) {
   const std::vector<conversion> all = conversions(given);
   if (all.empty()) return status_usage;
+  tell_of_other_traces(given, all);
   int status = status_done;
   for (const conversion& next : all) {
     const int how = convert(next);
@@ -149,9 +164,9 @@ int kivconvert_main(int argc, char** argv) {
       ->required();
   app.add_option("--run", given.run_id, "Id of the run, else the directory's name");
   app.add_option("--pid", given.pids,
-                 "Process id of a recording whose name holds none; repeatable, in their order")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                 "Process id in place of that in the file's name; repeated, of the recordings in "
+                 "their order")
+      ->allow_extra_args(false)
       ->check(CLI::Range(1, INT32_MAX));
   app.add_flag("--raw", given.raw,
                "Take from the raw recording beside it which of several equal blocks ended");
