@@ -75,7 +75,7 @@ struct replay_of {
 // Reads the numbers of every record and does nothing with them.
 void decode_only(const workload& work) {
   replay_of trace(work);
-  const record_layout layout(trace.header);
+  const record_layout layout = trace.header.layout();
   data_files files(trace.header.files(), trace.header.little_endian(), trace.disk, trace.silent);
   if (!files.rd_open()) std::abort();
   std::int64_t sum = 0;

@@ -8,7 +8,6 @@
 #include "kiv/stream_diagnostics.h"
 #include "tables/csv_names.h"
 #include "trace/kiv_hdr.h"
-#include "trace/record_layout.h"
 #include "trace/xml_parser.h"
 
 namespace kiv::fuzz {
@@ -23,7 +22,7 @@ void parse(std::string_view document) {
     kiv_hdr header(parser);
     header.read_document(document, "header");
     header.dump_entries();
-    const record_layout layout(header);
+    static_cast<void>(header.layout());
     for (int tag = -128; tag < 128; ++tag) {
       if (header.get_elem_size(tag, 0) < 0) std::abort();
     }
