@@ -23,6 +23,13 @@ def without_file(frame):
     return re.sub(r" \([^()]*\)$", "", frame)
 
 
+def from_start(frames):
+    """The frames from where heaptrack_print begins, outermost first: it shows nothing outside of this
+    function, which has another name where the system's code comes with debug symbols."""
+    start = "__libc_start_main"
+    return tuple(frames[frames.index(start) if start in frames else 0:])
+
+
 def printed_stacks(recording, measure, directory):
     """Exact sums by call path. Functions inlined into one another stand in the reverse order there,
     so paths are compared by what they are made of."""
@@ -33,7 +40,7 @@ def printed_stacks(recording, measure, directory):
         for line in stacks:
             frames, cost = line.rsplit(" ", 1)
             frames = [without_file(frame.strip()) for frame in frames.split(";")]
-            sums[tuple(sorted(frame for frame in frames if frame))] += int(cost)
+            sums[tuple(sorted(from_start([frame for frame in frames if frame])))] += int(cost)
     return +sums
 
 
@@ -62,7 +69,7 @@ def printed_leaks(text):
         frames = [line[2:] for line in rest if not line.startswith("    ")]  # innermost first
         place = next((line[7:] for line in rest[1:2] if line.startswith("    at ")), None)
         module = next(line[7:] for line in rest if line.startswith("    in "))
-        paths.add(tuple(reversed(frames)), *figure)
+        paths.add(from_start(frames[::-1]), *figure)
         lines.add(place or os.path.basename(module) + ":" + frames[0], *figure)
         functions.add(frames[0], *figure)
     return paths, lines, functions
@@ -89,7 +96,8 @@ class converted:
         sums = collections.Counter()
         for row in self.lists["path", measure]["rows"]:
             # The outermost is the process itself.
-            sums[tuple(frame.split(":", 1)[1] for frame in row["frames"][1:])] += row[unit]
+            frames = [frame.split(":", 1)[1] for frame in row["frames"][1:]]
+            sums[from_start(frames)] += row[unit]
         return +sums
 
     def leaks(self, key):
