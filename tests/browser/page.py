@@ -40,8 +40,10 @@ def number(text):
 
 def start_browser():
     options = Options()
-    for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--hide-scrollbars"):
-        options.add_argument(argument)
+    options.add_argument("--headless=new")
+    options.add_argument("--hide-scrollbars")
+    if os.geteuid() == 0:  # the browser does not start for root otherwise
+        options.add_argument("--no-sandbox")
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
     browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
     browser.set_script_timeout(20)
@@ -51,14 +53,14 @@ def start_browser():
 class Page:
     """One page, read through its texts and tables, and used by mouse and keyboard."""
 
-    def __init__(self, browser, path, width=1280, dark=False):
+    def __init__(self, browser, path, width=1280, height=900, dark=False):
         self.browser = browser
         for kind in ("browser", "performance"):
             browser.get_log(kind)  # takes what other pages left there
         media = [{"name": "prefers-color-scheme", "value": "dark" if dark else "light"},
                  {"name": "prefers-reduced-motion", "value": "reduce"}]
         browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": media})
-        size = {"width": width, "height": 900, "deviceScaleFactor": 1, "mobile": False}
+        size = {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False}
         browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", size)
         browser.get(path.as_uri())
 
