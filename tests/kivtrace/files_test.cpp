@@ -101,19 +101,6 @@ TEST(WrittenFiles, LimitAndBufferChangeNothingButWhereFilesEnd) {
   }
 }
 
-TEST(WrittenFiles, FlushPutsThemWhereTheyCanBeRead) {
-  const written_run run;
-  kiv_trace* trace = run.open();
-  EXPECT_EQ(run.data(), std::vector<std::string>{""});
-  kiv_trace_marker(trace, "seen");
-  EXPECT_EQ(run.data(), std::vector<std::string>{""});
-  EXPECT_EQ(kiv_trace_flush(trace), 0);
-  EXPECT_EQ(markers(run.analysed()), std::vector<std::string>{"seen"});
-  kiv_trace_marker(trace, "behind");
-  ASSERT_EQ(kiv_trace_close(trace), 0);
-  EXPECT_EQ(markers(run.analysed()), (std::vector<std::string>{"seen", "behind"}));
-}
-
 TEST(WrittenFiles, AProcessThatChangesItsDirectoryGoesOnWhereItBegan) {
   const temp_dir dir;
   ASSERT_TRUE(holds_in_child([&] {
