@@ -147,8 +147,7 @@ conversion_result converter::run(const std::function<void(std::uint64_t)>& progr
 
 void converter::begin() {
   const std::string program = program_of(recording_.head().command);
-  trace_.write(KivTimeStamp{static_cast<std::uint32_t>(start_.secs),
-                            static_cast<std::uint32_t>(start_.nsecs)});
+  set_time(0);
   trace_.write(KivProcessStart{wanted_.pid, 0, program});
   trace_.write(KivProcessSpecialLoad{wanted_.pid, 0, program});
   trace_.write(KivSchedule{0, wanted_.pid});

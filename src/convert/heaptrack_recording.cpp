@@ -37,17 +37,20 @@ std::string heaptrack_recording::fault() const {
   return end_seen_ ? "" : "the recording breaks off";
 }
 
+bool heaptrack_recording::is_full() const {
+  return code_.strings() >= most_code || code_.instructions() >= most_code ||
+         string_bytes_ >= most_string_bytes || stacks_.stacks() >= most_stacks ||
+         allocations_.size() >= most_stacks;
+}
+
 void heaptrack_recording::read_code(std::string_view line) {
   const std::string_view rest = line.substr(line.empty() ? 0 : 1);
-  if (code_.strings() >= most_code || code_.instructions() >= most_code ||
-      string_bytes_ >= most_string_bytes || stacks_.stacks() >= most_stacks ||
-      allocations_.size() >= most_stacks) {
-    if (!line.empty() && std::string_view("sita").find(line.front()) != std::string_view::npos) {
-      unreadable_.add(lines_->number());
-    }
+  const char what = line.empty() ? '#' : line.front();
+  if (is_full() && std::string_view("sita").find(what) != std::string_view::npos) {
+    unreadable_.add(lines_->number());
     return;
   }
-  switch (line.empty() ? '#' : line.front()) {
+  switch (what) {
     case 's':
       string_bytes_ += rest.size();
       return read_string(rest);

@@ -80,6 +80,7 @@ class heaptrack_recording {
 
  private:
   bool start_reading(std::string& error);
+  bool is_full() const;
   void read_code(std::string_view line);
   void read_string(std::string_view line);
   void read_instruction(std::string_view line);

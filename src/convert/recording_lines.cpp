@@ -15,10 +15,6 @@ constexpr std::size_t longest_line = std::size_t{16} << 20;
 recording_lines::recording_lines(std::unique_ptr<recording_bytes> bytes)
     : bytes_(std::move(bytes)), buffer_(usual_buffer) {}
 
-const void* recording_lines::memchr_newline(const char* from, std::size_t size) {
-  return std::memchr(from, '\n', size);
-}
-
 bool recording_lines::next_after_reading(std::string_view& line) {
   for (;;) {
     const std::size_t left = filled_ - position_;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,7 +21,7 @@ class recording_lines {
   // end. A last line that has no end is not given: it may be cut.
   bool next(std::string_view& line) {
     const char* from = buffer_.data() + position_;
-    const void* end = memchr_newline(from, filled_ - position_);
+    const void* end = std::memchr(from, '\n', filled_ - position_);
     if (end == nullptr) return next_after_reading(line);
     const auto length = static_cast<std::size_t>(static_cast<const char*>(end) - from);
     line = {from, length};
@@ -34,7 +36,6 @@ class recording_lines {
   const std::string& fault() const { return fault_; }
 
  private:
-  static const void* memchr_newline(const char* from, std::size_t size);
   bool next_after_reading(std::string_view& line);
 
   std::unique_ptr<recording_bytes> bytes_;

@@ -72,12 +72,7 @@ std::string export_options::misuse() const {
 bool make_export(const run_profile& run, const export_options& options, run_export& into,
                  std::string& error) {
   report::group_filter filter;
-  if (!filter.set(options.filter, error)) return false;
-  if (!filter.knows_process(run)) {
-    error =
-        "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
-    return false;
-  }
+  if (!filter.set(options.filter, run, error)) return false;
   into.run = &run;
   into.options = options;
   into.measures = options.of;

@@ -20,6 +20,7 @@
 #include "kivconvert/progress_line.h"
 #include "kivconvert/recording_name.h"
 #include "trace/header_text.h"
+#include "util/directory_name.h"
 #include "util/printable.h"
 
 namespace kiv::convert {
@@ -56,12 +57,7 @@ std::optional<moment> parsed_time(std::string_view text) {
 // A run's id is part of the names of its tables.
 std::string run_id_of(const arguments& given) {
   if (!given.run_id.empty()) return given.run_id;
-  std::error_code unknown;
-  const std::filesystem::path directory =
-      std::filesystem::absolute(given.directory, unknown).lexically_normal();
-  const std::string name = directory.filename().empty()
-                               ? directory.parent_path().filename().string()
-                               : directory.filename().string();
+  const std::string name = directory_name(given.directory);
   return name.empty() ? "RUN" : name;
 }
 

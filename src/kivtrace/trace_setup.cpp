@@ -6,16 +6,15 @@
 #include <bit>
 #include <cerrno>
 #include <ctime>
-#include <filesystem>
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "util/directory_name.h"
+
 namespace kiv {
 namespace {
-
-namespace fs = std::filesystem;
 
 void demand(bool holds, const char* what) {
   if (!holds) throw std::invalid_argument(what);
@@ -32,9 +31,8 @@ std::string host_name() {
 
 // "./" and the last part of the path.
 std::string relative_to_parent(const std::string& directory) {
-  const fs::path whole = fs::absolute(directory).lexically_normal();
-  const fs::path last = whole.has_filename() ? whole.filename() : whole.parent_path().filename();
-  return last.empty() ? directory : "./" + last.string();
+  const std::string last = directory_name(directory);
+  return last.empty() ? directory : "./" + last;
 }
 
 trace_identity identity_of(const kiv_trace_options& given) {

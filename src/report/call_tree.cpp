@@ -93,12 +93,7 @@ class tree_maker {
 bool make_tree(const run_profile& run, const tree_options& options, call_tree& into,
                std::string& error) {
   group_filter filter;
-  if (!filter.set(options.filter, error)) return false;
-  if (!filter.knows_process(run)) {
-    error =
-        "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
-    return false;
-  }
+  if (!filter.set(options.filter, run, error)) return false;
   into.run = &run;
   into.options = options;
   const auto traces = named_traces(run, filter, into.names);

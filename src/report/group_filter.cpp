@@ -98,6 +98,13 @@ std::vector<bool> group_filter::matches(const profile& trace, const re2::RE2& ex
   return found;
 }
 
+bool group_filter::set(const filter_options& options, const run_profile& run, std::string& error) {
+  if (!set(options, error)) return false;
+  if (knows_process(run)) return true;
+  error = "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.process);
+  return false;
+}
+
 std::vector<bool> group_filter::kept(const profile& trace) const {
   std::vector<bool> kept(trace.groups.size(), true);
   if (focus_) kept = matches(trace, *focus_);

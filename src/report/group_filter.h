@@ -34,6 +34,8 @@ class group_filter {
 
   // False, with `error` set, when an expression cannot be read.
   bool set(const filter_options& options, std::string& error);
+  // The same for one run, which must have the process that is asked for.
+  bool set(const filter_options& options, const run_profile& run, std::string& error);
 
   // For each group of a trace.
   std::vector<bool> kept(const profile& trace) const;

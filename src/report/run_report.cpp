@@ -67,12 +67,7 @@ bool is_complete(const run_profile& run) {
 bool make_report(const run_profile& run, const report_options& options, run_report& into,
                  std::string& error) {
   group_filter filter;
-  if (!filter.set(options.filter, error)) return false;
-  if (!filter.knows_process(run)) {
-    error =
-        "run " + quoted_name(run.name) + " has no process " + quoted_name(*options.filter.process);
-    return false;
-  }
+  if (!filter.set(options.filter, run, error)) return false;
   into.run = &run;
   into.filter = options.filter;
   into.complete = is_complete(run);
