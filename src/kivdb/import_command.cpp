@@ -9,12 +9,12 @@
 #include "kivdb/load_source.h"
 #include "kivdb/load_tables.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
 #include "kivdb/warn_of_losses.h"
 #include "report/human.h"
 #include "report/printable.h"
 #include "report/run_report.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -75,7 +75,7 @@ std::optional<char> separator(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text[0]);
 }
 
-store::save_result save(store::run_store& database, const run_profile& run,
+store::save_result save(store::run_target& target, const run_profile& run,
                         const std::string& source, const run_tables* tables, std::string& error) {
   store::save_options options{source};
   if (tables) {
@@ -83,7 +83,7 @@ store::save_result save(store::run_store& database, const run_profile& run,
     if (!loader) return store::save_result::failed;
     options.rows = *loader;
   }
-  return database.save(run, options, error);
+  return target.save(run, options, error);
 }
 
 int run_import(const import_arguments& arguments) {
@@ -109,16 +109,14 @@ int run_import(const import_arguments& arguments) {
     run_sources[*arguments.name] = run_sources[runs.front().name];
     runs.front().name = *arguments.name;
   }
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::create, error)) {
-    return complain_about(arguments.file, error);
-  }
+  const auto database = open_target(arguments.file, target_use::import, error);
+  if (!database) return complain_about(arguments.file, error);
   import_printer printer(arguments.output.style());
   int status = status_done;
   for (const auto& run : runs) {
     warn_of_losses(run);
     const auto result =
-        save(database, run, run_sources[run.name], arguments.rows ? &tables : nullptr, error);
+        save(*database, run, run_sources[run.name], arguments.rows ? &tables : nullptr, error);
     if (result == store::save_result::saved || result == store::save_result::replaced) {
       printer.add(run, result == store::save_result::replaced);
     } else {

@@ -11,11 +11,11 @@
 #include <utility>
 
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "profile/profile_trace.h"
 #include "report/printable.h"
 #include "rows/import_plan.h"
 #include "rows/profile_from_rows.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -76,12 +76,12 @@ std::string names_of(const std::vector<run_profile>& runs) {
 
 bool load_from_database(const std::string& path, const std::optional<std::string>& wanted,
                         std::vector<run_profile>& runs, std::string& error) {
-  store::run_store database;
   const auto load = [&] {
-    if (!database.open(path, store::open_mode::read_only, error)) return false;
-    const auto name = wanted ? wanted : database.latest_run(error);
+    const auto database = open_runs(path, error);
+    if (!database) return false;
+    const auto name = wanted ? wanted : database->latest_run(error);
     if (!name) return false;
-    auto run = database.load(*name, error);
+    auto run = database->load(*name, error);
     if (run) runs.push_back(std::move(*run));
     return run.has_value();
   };

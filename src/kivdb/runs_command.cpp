@@ -3,8 +3,8 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -18,11 +18,8 @@ struct runs_arguments {
 
 int run_runs(const runs_arguments& arguments) {
   std::string error;
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
-    return complain_about(arguments.file, error);
-  }
-  const auto runs = database.runs(error);
+  const auto database = open_runs(arguments.file, error);
+  const auto runs = database ? database->runs(error) : std::nullopt;
   if (!runs) return complain_about(arguments.file, error);
   report::table_printer table(std::cout,
                               {{"run", "run"},

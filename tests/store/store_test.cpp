@@ -44,7 +44,7 @@ TEST_F(Store, TakesAnyName) {
     const auto run = s.load(name, error_);
     ASSERT_TRUE(run) << error_;
     EXPECT_EQ(run->traces.at(0).groups[0].leaked().bytes, 20u);
-    auto view = store::prepare_view(s, "by_id", name, error_);
+    auto view = s.view("by_id", name, error_);
     ASSERT_TRUE(view) << error_;
     ASSERT_TRUE(view->step());
     EXPECT_EQ(view->text(0), name);
@@ -115,19 +115,17 @@ TEST_F(Store, KnowsTheOrderOfImports) {
 // Rows are part of the save: they come and go with it.
 TEST_F(Store, SavesRowsInTheSameTransaction) {
   const auto with_rows = [](bool succeed) {
-    return store::save_options{"src",
-                               [succeed](store::database& db, const run_profile& run,
-                                         std::string& error) -> std::optional<std::uint64_t> {
-                                 EXPECT_TRUE(db.exec(
-                                     "CREATE TABLE IF NOT EXISTS memory (run_id TEXT, rec INTEGER);"
-                                     "INSERT OR IGNORE INTO row_table VALUES ('memory')"));
-                                 auto insert = db.prepare("INSERT INTO memory VALUES (?, 1)");
-                                 insert.bind(1, std::string_view(run.name));
-                                 EXPECT_TRUE(insert.run());
-                                 error = "row 2 is bad";
-                                 if (!succeed) return std::nullopt;
-                                 return 1;
-                               }};
+    store::save_options options{"src"};
+    options.rows = [succeed](store::row_target& target, const run_profile&,
+                             std::string& error) -> std::optional<std::uint64_t> {
+      const store::row_column rec[] = {{"rec", 0, false}};
+      const store::row_value row[] = {{"1", 1}};
+      EXPECT_TRUE(target.begin("memory", rec) && target.write(row) && target.finish());
+      error = "row 2 is bad";
+      if (!succeed) return std::nullopt;
+      return 1;
+    };
+    return options;
   };
   EXPECT_EQ(save(small_run("A", 1), with_rows(false)), save_result::failed);
   EXPECT_EQ(error_, "row 2 is bad");
@@ -183,14 +181,14 @@ TEST_F(Store, RunsOneReadingStatementOnly) {
   run_store s;
   ASSERT_TRUE(s.open(file(), open_mode::read_only, error_));
   for (const auto& c : cases) {
-    const auto q = store::prepare_query(s, c.sql, error_);
-    EXPECT_EQ(q.has_value(), c.error == nullptr) << c.sql << ": " << error_;
+    const auto q = s.select(c.sql, {}, error_);
+    EXPECT_EQ(q != nullptr, c.error == nullptr) << c.sql << ": " << error_;
     const std::string reason = c.error == nullptr ? "" : c.error;
     EXPECT_NE(error_.find(reason), std::string::npos) << error_;
   }
-  EXPECT_FALSE(store::prepare_view(s, "nothing", std::nullopt, error_));
+  EXPECT_FALSE(s.view("nothing", std::nullopt, error_));
   EXPECT_NE(error_.find("no view 'nothing'"), std::string::npos);
-  EXPECT_FALSE(store::prepare_view(s, "by_id", "NOPE", error_));
+  EXPECT_FALSE(s.view("by_id", "NOPE", error_));
   EXPECT_EQ(error_, "no run 'NOPE'");
 }
 

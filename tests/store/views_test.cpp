@@ -36,7 +36,7 @@ TEST_F(StoreViews, TakeOneRunAlone) {
   ASSERT_EQ(save({"S", {other}}), save_result::saved);
   run_store s;
   ASSERT_TRUE(s.open(file(), open_mode::read_only, error_));
-  const auto read = [](std::optional<store::query> q) {
+  const auto read = [](std::unique_ptr<store::row_cursor> q) {
     texts all;
     while (q && q->step()) {
       auto& row = all.emplace_back();
@@ -48,12 +48,10 @@ TEST_F(StoreViews, TakeOneRunAlone) {
   };
   for (const auto& view : store::views()) {
     for (const std::string run : {"R", "S"}) {
-      const auto one = read(store::prepare_view(s, view.name, run, error_));
+      const auto one = read(s.view(view.name, run, error_));
       EXPECT_FALSE(one.empty()) << view.name << error_;
-      EXPECT_EQ(
-          one,
-          read(store::prepare_query(
-              s, "SELECT * FROM " + std::string(view.name) + " WHERE run = '" + run + "'", error_)))
+      EXPECT_EQ(one, read(s.select("SELECT * FROM " + std::string(view.name) + " WHERE run = ?",
+                                   {run}, error_)))
           << view.name;
     }
   }
