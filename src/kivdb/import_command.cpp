@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <map>
@@ -26,6 +27,7 @@ struct import_arguments {
   std::string file;
   std::optional<std::string> name;
   bool rows = false;
+  std::vector<std::string> labels;
   std::string sd, sf;  // separators of the tables; empty: read off the files
   output_options output;
 };
@@ -75,9 +77,29 @@ std::optional<char> separator(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text[0]);
 }
 
+// What is wrong with a label: KEY=VALUE, neither of them empty.
+std::string fault_of_label(const std::string& text) {
+  const auto equals = text.find('=');
+  if (equals != std::string::npos && equals != 0 && equals + 1 < text.size()) return {};
+  return quoted_name(text) + " is no label; KEY=VALUE is wanted";
+}
+
+// The labels by their keys. False when a key is there twice, which `error` names.
+bool read_labels(const std::vector<std::string>& given, store::run_labels& labels,
+                 std::string& error) {
+  for (const auto& text : given) {
+    const auto equals = text.find('=');
+    labels.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+  }
+  std::ranges::sort(labels);
+  const auto twice = std::ranges::adjacent_find(
+      labels, [](const auto& a, const auto& b) { return a.first == b.first; });
+  if (twice != labels.end()) error = "the label " + quoted_name(twice->first) + " is given twice";
+  return twice == labels.end();
+}
+
 store::save_result save(store::run_target& target, const run_profile& run,
-                        const std::string& source, const run_tables* tables, std::string& error) {
-  store::save_options options{source};
+                        store::save_options options, const run_tables* tables, std::string& error) {
   if (tables) {
     const auto loader = tables->loader(run, error);
     if (!loader) return store::save_result::failed;
@@ -92,6 +114,8 @@ int run_import(const import_arguments& arguments) {
   }
   const rows::row_options options{separator(arguments.sd), separator(arguments.sf)};
   std::string error;
+  store::run_labels labels;
+  if (!read_labels(arguments.labels, labels, error)) return complain(error, status_usage);
   found_sources found;
   std::vector<run_profile> runs;
   std::map<std::string, std::string> run_sources;
@@ -115,8 +139,8 @@ int run_import(const import_arguments& arguments) {
   int status = status_done;
   for (const auto& run : runs) {
     warn_of_losses(run);
-    const auto result =
-        save(*database, run, run_sources[run.name], arguments.rows ? &tables : nullptr, error);
+    const auto result = save(*database, run, {run_sources[run.name], labels},
+                             arguments.rows ? &tables : nullptr, error);
     if (result == store::save_result::saved || result == store::save_result::replaced) {
       printer.add(run, result == store::save_result::replaced);
     } else {
@@ -138,6 +162,9 @@ void add_import(program_options& program) {
   command.arguments("source", arguments->sources, "Directories of runs, or header files");
   command.required_option("-o,--output", arguments->file, "Database file; made when there is none");
   command.option("--as", arguments->name, "Name of the run, in place of its run id");
+  command.repeatable_option("--label", arguments->labels,
+                            "A label KEY=VALUE of the runs, such as release=4.2; repeatable",
+                            fault_of_label);
   command.flag("--rows", arguments->rows,
                "Load the CSV tables too, for SQL of your own; `kiv -R` writes them");
   command.option("--sd", arguments->sd,

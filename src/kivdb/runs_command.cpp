@@ -16,6 +16,14 @@ struct runs_arguments {
   output_options output;
 };
 
+std::string labels_of(const store::run_info& run) {
+  std::string list;
+  for (const auto& [key, value] : run.labels) {
+    list += (list.empty() ? "" : ", ") + key + '=' + value;
+  }
+  return list;
+}
+
 int run_runs(const runs_arguments& arguments) {
   std::string error;
   const auto database = open_runs(arguments.file, error);
@@ -32,13 +40,14 @@ int run_runs(const runs_arguments& arguments) {
                                {"peak_bytes", "peak", column_kind::bytes},
                                {"live_bytes", "live at the end", column_kind::bytes},
                                {"allocated_bytes", "allocated", column_kind::bytes},
-                               {"source", "source"}},
+                               {"source", "source"},
+                               {"labels", "labels"}},
                               arguments.output.style());
   for (const auto& run : *runs) {
     const char* complete = run.from_rows ? "unknown" : run.complete ? "yes" : "no";
     table.add({run.name, run.imported_at, std::string(complete), run.traces, run.records,
                run.rows ? report::cell(*run.rows) : report::cell(), run.leaked.bytes,
-               run.peak.bytes, run.live.bytes, run.allocated.bytes, run.source});
+               run.peak.bytes, run.live.bytes, run.allocated.bytes, run.source, labels_of(run)});
   }
   table.finish();
   return finish_output();

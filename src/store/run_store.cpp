@@ -6,6 +6,7 @@
 
 #include "store/profile_tables.h"
 #include "store/query.h"
+#include "store/run_list.h"
 #include "store/sqlite_row_target.h"
 #include "store/view_catalogue.h"
 #include "util/printable.h"
@@ -81,6 +82,7 @@ save_result run_store::save_within(const run_profile& run, const save_options& o
   insert.bind(3, std::int64_t{incomplete.empty()});
   if (!insert.run()) return fail();
   const std::int64_t key = sqlite3_last_insert_rowid(db_.handle());
+  if (!write_labels(db_, key, options.labels)) return fail();
   for (const auto& trace : run.traces) {
     if (!write_profile(db_, key, trace)) return fail();
   }
@@ -140,33 +142,7 @@ bool run_store::has_run(std::string_view name, std::string& error) {
 }
 
 std::optional<std::vector<run_info>> run_store::runs(std::string& error) {
-  std::vector<run_info> all;
-  statement list = db_.prepare("SELECT * FROM run_list");
-  while (list && list.step()) {
-    int next = 0;
-    const auto text = [&] { return std::string(list.text(next++)); };
-    const auto number = [&] { return static_cast<std::uint64_t>(list.number(next++)); };
-    const auto read_amount = [&](amount& a) {
-      a.blocks = number();
-      a.bytes = number();
-      a.tot_bytes = number();
-    };
-    run_info& run = all.emplace_back();
-    run.name = text();
-    run.imported_at = text();
-    run.source = text();
-    run.traces = number();
-    run.complete = number() != 0;
-    run.from_rows = number() != 0;
-    run.records = number();
-    for (amount* a : {&run.allocated, &run.leaked, &run.live, &run.peak}) read_amount(*a);
-    if (list.type(next) != SQLITE_NULL) run.rows = number();
-  }
-  if (!list || list.failed()) {
-    error = db_.error();
-    return std::nullopt;
-  }
-  return all;
+  return read_run_list(db_, error);
 }
 
 std::optional<std::string> run_store::latest_run(std::string& error) {

@@ -99,7 +99,10 @@ TEST_F(Kivdb, ADatabaseAnswersAsItsTracesDo) {
   EXPECT_NE(run.out.find("replaced"), std::string::npos) << run.out;
   EXPECT_EQ(kivdb("import A -o t.db --as 'it''s 1/2'").status, 0);
   EXPECT_EQ(read_json(kivdb("runs t.db --json").out).size(), 3u);
-  EXPECT_EQ(kivdb("forget t.db B A").status, 0);
+  ASSERT_EQ(kivdb("import A -o t.db --as L --label release=4.2 --label 'a b=x=1'").status, 0);
+  EXPECT_EQ(read_json(kivdb("runs t.db --json").out)[3]["labels"].scalar, "a b=x=1, release=4.2");
+  EXPECT_EQ(kivdb("show t.db labels --csv").out, "run,key,value\nL,a b,x=1\nL,release,4.2\n");
+  EXPECT_EQ(kivdb("forget t.db B A L").status, 0);
   EXPECT_EQ(read_json(kivdb("runs t.db --json").out)[0]["run"].scalar, "its 1/2");
   EXPECT_EQ(kivdb("sql t.db 'SELECT 1 AS one, NULL AS none' --csv").out, "one,none\n1,\n");
 }
@@ -183,6 +186,11 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
                                 "import A -o ''",
                                 "import A -o u.db --as ''",
                                 "import A B -o u.db --as X",
+                                "import A -o u.db --label ''",
+                                "import A -o u.db --label release",
+                                "import A -o u.db --label =4.2",
+                                "import A -o u.db --label release=",
+                                "import A -o u.db --label a=1 --label b=2 --label a=3",
                                 "trend t.db --last 0",
                                 "forget t.db",
                                 "show t.db",

@@ -112,6 +112,34 @@ TEST_F(Store, KnowsTheOrderOfImports) {
   EXPECT_EQ(error_, "holds no runs");
 }
 
+// Labels are those of the last import under a name, in the order of their keys.
+TEST_F(Store, KeepsTheLabelsOfRuns) {
+  const std::string odd("it's \xff\n=\t\\\0;", 13);
+  const auto labels_of = [&](const std::string& name) -> store::run_labels {
+    run_store s;
+    if (!s.open(file(), open_mode::read_only, error_)) return {{"!", error_}};
+    const auto all = s.runs(error_);
+    if (!all) return {{"!", error_}};
+    for (const auto& run : *all) {
+      if (run.name == name) return run.labels;
+    }
+    return {{"!", "no run"}};
+  };
+  const store::run_labels first = {{"release", "4.1"}, {odd, odd}, {"a", "x"}};
+  ASSERT_EQ(save(small_run("A", 1), {"src", first}), save_result::saved);
+  ASSERT_EQ(save(small_run("B", 1), {"src", {{"release", "4.2"}}}), save_result::saved);
+  EXPECT_EQ(labels_of("A"), (store::run_labels{{"a", "x"}, {odd, odd}, {"release", "4.1"}}));
+  ASSERT_EQ(save(small_run("A", 1), {"src", {{"release", "5"}}}), save_result::replaced);
+  EXPECT_EQ(labels_of("A"), (store::run_labels{{"release", "5"}}));
+  EXPECT_EQ(labels_of("B"), (store::run_labels{{"release", "4.2"}}));
+  ASSERT_EQ(save(small_run("A", 1)), save_result::replaced);
+  EXPECT_EQ(labels_of("A"), store::run_labels());
+  run_store s;
+  ASSERT_TRUE(s.open(file(), open_mode::create, error_));
+  ASSERT_TRUE(s.forget(texts{"B"}, error_));
+  EXPECT_EQ(rows("SELECT * FROM run_label"), texts());
+}
+
 // Rows are part of the save: they come and go with it.
 TEST_F(Store, SavesRowsInTheSameTransaction) {
   const auto with_rows = [](bool succeed) {

@@ -11,6 +11,14 @@ CREATE TABLE run (
   row_count INTEGER                       -- of the CSV tables; NULL when they were not loaded
 );
 
+-- What runs were given at their import.
+CREATE TABLE run_label (
+  run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  key TEXT NOT NULL,
+  value TEXT NOT NULL,
+  PRIMARY KEY (run, key)
+) WITHOUT ROWID;
+
 CREATE TABLE trace (
   trace INTEGER PRIMARY KEY,
   run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
@@ -148,6 +156,11 @@ CREATE TABLE block_group (
   temporary_tot_bytes INTEGER NOT NULL,
   PRIMARY KEY (trace, place)
 ) WITHOUT ROWID;
+
+-- The few groups that leaked, with all that names them, for questions about many runs.
+CREATE INDEX block_group_leaked
+ON block_group (trace, line, id, color, path, process, query, no_free, left_bytes, live_bytes)
+WHERE CASE no_free WHEN 0 THEN left_bytes + live_bytes ELSE 0 END <> 0;
 
 -- Blocks by size (kind 0) or by lifetime in memory records (kind 1), from 2^exponent on; exponent
 -- -1 stands for 0.
