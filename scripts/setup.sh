@@ -14,7 +14,7 @@ recorder     sqlite3 heaptrack zstd
 browser      chromium chromium-driver chromium-sandbox python3-pytest python3-selenium fonts-dejavu-core
 test32       g++-multilib
 emulate32    qemu-user
-clickhouse   clickhouse-server python3
+clickhouse   clickhouse-server python3-pytest
 package      dpkg-dev file
 '
 

@@ -95,7 +95,7 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   pid Int64,
   program String,
   host String,
-  function Int64,
+  function_place Int64,
   id_name String,
   color_name String,
   line_name String,
@@ -107,12 +107,12 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   leaked_bytes Int64,
   leaked_tot_bytes Int64,
   no_free Int64,
-  id Int64,
-  color Int64,
-  line Int64,
-  path Int64,
-  process Int64,
-  query Int64,
+  id_place Int64,
+  color_place Int64,
+  line_place Int64,
+  path_place Int64,
+  process_place Int64,
+  query_place Int64,
   resizes Int64,
   made_blocks Int64,
   made_bytes Int64,
@@ -845,6 +845,21 @@ FROM (
 CREATE TABLE IF NOT EXISTS block AS block_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'block_shard');
 
+-- the blocks that share all of kind, id, colour, line, call path, process and SQL statement
+CREATE VIEW IF NOT EXISTS block_group_shard AS
+SELECT run, import, trace, place, no_free,
+  id_place AS id, color_place AS color, line_place AS line, path_place AS path,
+  process_place AS process, query_place AS query, resizes, made_blocks, made_bytes, made_tot_bytes,
+  freed_blocks, freed_bytes, freed_tot_bytes, left_blocks, left_bytes, left_tot_bytes, reset_blocks,
+  reset_bytes, reset_tot_bytes, released_blocks, released_bytes, released_tot_bytes, live_blocks,
+  live_bytes, live_tot_bytes, peak_blocks, peak_bytes, peak_tot_bytes, temporary_blocks,
+  temporary_bytes, temporary_tot_bytes
+FROM block_group_stored
+WHERE import IN (SELECT import FROM newest_import);
+
+CREATE TABLE IF NOT EXISTS block_group AS block_group_shard
+ENGINE = Distributed('kiv', currentDatabase(), 'block_group_shard');
+
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by colour of an allocation id
 CREATE VIEW IF NOT EXISTS by_color_shard AS
 SELECT run, pid, id_name, color_name,
@@ -875,7 +890,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, color, id_name, color_name;
+GROUP BY run, import, trace, pid, id_place, color_place, id_name, color_name;
 
 CREATE TABLE IF NOT EXISTS by_color AS by_color_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_color_shard');
@@ -910,7 +925,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, function, function_name;
+GROUP BY run, import, trace, pid, function_place, function_name;
 
 CREATE TABLE IF NOT EXISTS by_function AS by_function_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_function_shard');
@@ -945,7 +960,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, id_name;
+GROUP BY run, import, trace, pid, id_place, id_name;
 
 CREATE TABLE IF NOT EXISTS by_id AS by_id_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_id_shard');
@@ -980,7 +995,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, line, line_name;
+GROUP BY run, import, trace, pid, line_place, line_name;
 
 CREATE TABLE IF NOT EXISTS by_line AS by_line_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_line_shard');
@@ -1049,7 +1064,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, process, process_pid, process_name;
+GROUP BY run, import, trace, pid, process_place, process_pid, process_name;
 
 CREATE TABLE IF NOT EXISTS by_process AS by_process_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_process_shard');
@@ -1084,7 +1099,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, query, query_text;
+GROUP BY run, import, trace, pid, query_place, query_text;
 
 CREATE TABLE IF NOT EXISTS by_query AS by_query_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'by_query_shard');
@@ -1266,7 +1281,7 @@ SELECT run, pid, id_name, sum(made_blocks) AS allocated_blocks, sum(made_bytes) 
   if(sum(made_bytes) = 0, 0., 100. * sum(made_tot_bytes - made_bytes) / sum(made_bytes)) AS percent
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, id_name;
+GROUP BY run, import, trace, pid, id_place, id_name;
 
 CREATE TABLE IF NOT EXISTS rounding_by_id AS rounding_by_id_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'rounding_by_id_shard');
@@ -1356,6 +1371,18 @@ WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_level';
 
 CREATE TABLE IF NOT EXISTS timeline_by_id AS timeline_by_id_shard
 ENGINE = Distributed('kiv', currentDatabase(), 'timeline_by_id_shard');
+
+-- the traces of runs
+CREATE VIEW IF NOT EXISTS trace_shard AS
+SELECT
+  run, import, trace, run_id, pid, program, environment, account, host, user, description,
+  start_time, end_time, records, heap_bytes, gap_bytes, from_rows, peak_blocks, peak_bytes,
+  peak_tot_bytes, peak_record, peak_time
+FROM trace_stored
+WHERE import IN (SELECT import FROM newest_import);
+
+CREATE TABLE IF NOT EXISTS trace AS trace_shard
+ENGINE = Distributed('kiv', currentDatabase(), 'trace_shard');
 
 -- memory with an obligation to free against memory without
 CREATE VIEW IF NOT EXISTS with_free_no_free_shard AS

@@ -89,7 +89,7 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   pid Int64,
   program String,
   host String,
-  function Int64,
+  function_place Int64,
   id_name String,
   color_name String,
   line_name String,
@@ -101,12 +101,12 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   leaked_bytes Int64,
   leaked_tot_bytes Int64,
   no_free Int64,
-  id Int64,
-  color Int64,
-  line Int64,
-  path Int64,
-  process Int64,
-  query Int64,
+  id_place Int64,
+  color_place Int64,
+  line_place Int64,
+  path_place Int64,
+  process_place Int64,
+  query_place Int64,
   resizes Int64,
   made_blocks Int64,
   made_bytes Int64,
@@ -677,6 +677,18 @@ FROM (
   WHERE import IN (SELECT import FROM newest_import)
 ) AS f USING (import, main_pid, rec);
 
+-- the blocks that share all of kind, id, colour, line, call path, process and SQL statement
+CREATE VIEW IF NOT EXISTS block_group AS
+SELECT run, import, trace, place, no_free,
+  id_place AS id, color_place AS color, line_place AS line, path_place AS path,
+  process_place AS process, query_place AS query, resizes, made_blocks, made_bytes, made_tot_bytes,
+  freed_blocks, freed_bytes, freed_tot_bytes, left_blocks, left_bytes, left_tot_bytes, reset_blocks,
+  reset_bytes, reset_tot_bytes, released_blocks, released_bytes, released_tot_bytes, live_blocks,
+  live_bytes, live_tot_bytes, peak_blocks, peak_bytes, peak_tot_bytes, temporary_blocks,
+  temporary_bytes, temporary_tot_bytes
+FROM block_group_stored
+WHERE import IN (SELECT import FROM newest_import);
+
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by colour of an allocation id
 CREATE VIEW IF NOT EXISTS by_color AS
 SELECT run, pid, id_name, color_name,
@@ -707,7 +719,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, color, id_name, color_name;
+GROUP BY run, import, trace, pid, id_place, color_place, id_name, color_name;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by innermost function
 CREATE VIEW IF NOT EXISTS by_function AS
@@ -739,7 +751,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, function, function_name;
+GROUP BY run, import, trace, pid, function_place, function_name;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by allocation id
 CREATE VIEW IF NOT EXISTS by_id AS
@@ -771,7 +783,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, id_name;
+GROUP BY run, import, trace, pid, id_place, id_name;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by source line
 CREATE VIEW IF NOT EXISTS by_line AS
@@ -803,7 +815,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, line, line_name;
+GROUP BY run, import, trace, pid, line_place, line_name;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by call path
 CREATE VIEW IF NOT EXISTS by_path AS
@@ -866,7 +878,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, process, process_pid, process_name;
+GROUP BY run, import, trace, pid, process_place, process_pid, process_name;
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by SQL statement
 CREATE VIEW IF NOT EXISTS by_query AS
@@ -898,7 +910,7 @@ sum(made_blocks) AS allocated_blocks,
   sum(resizes) AS resizes
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, query, query_text;
+GROUP BY run, import, trace, pid, query_place, query_text;
 
 -- the groups of blocks of all runs by colour of an allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_color AS
@@ -1029,7 +1041,7 @@ SELECT run, pid, id_name, sum(made_blocks) AS allocated_blocks, sum(made_bytes) 
   if(sum(made_bytes) = 0, 0., 100. * sum(made_tot_bytes - made_bytes) / sum(made_bytes)) AS percent
 FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
-GROUP BY run, import, trace, pid, id, id_name;
+GROUP BY run, import, trace, pid, id_place, id_name;
 
 -- the runs in the order of their imports
 CREATE VIEW IF NOT EXISTS run_list AS
@@ -1101,6 +1113,15 @@ SELECT run, pid, numbers[1] AS step, numbers[5] AS last_record, texts[1] AS time
   numbers[4] AS live_bytes
 FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_level';
+
+-- the traces of runs
+CREATE VIEW IF NOT EXISTS trace AS
+SELECT
+  run, import, trace, run_id, pid, program, environment, account, host, user, description,
+  start_time, end_time, records, heap_bytes, gap_bytes, from_rows, peak_blocks, peak_bytes,
+  peak_tot_bytes, peak_record, peak_time
+FROM trace_stored
+WHERE import IN (SELECT import FROM newest_import);
 
 -- memory with an obligation to free against memory without
 CREATE VIEW IF NOT EXISTS with_free_no_free AS

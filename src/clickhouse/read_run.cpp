@@ -113,7 +113,8 @@ std::string select_of_load(const server_url& url, const load_id& load) {
     return " FROM " + insert_table(stored, url.cluster) + " WHERE run = " + quoted(load.run) +
            " AND import = " + std::to_string(load.import);
   };
-  std::string groups = "no_free, id, color, line, path, process, query, resizes";
+  std::string groups =
+      "no_free, id_place, color_place, line_place, path_place, process_place, query_place, resizes";
   for (const std::string_view of :
        {"made", "freed", "left", "reset", "released", "live", "peak", "temporary"}) {
     for (const std::string_view unit : {"_blocks", "_bytes", "_tot_bytes"}) {

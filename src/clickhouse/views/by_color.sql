@@ -3,5 +3,5 @@ SELECT run, pid, id_name, color_name,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, id, color, id_name, color_name
-ORDER BY import, trace, id, color
+GROUP BY run, import, trace, pid, id_place, color_place, id_name, color_name
+ORDER BY import, trace, id_place, color_place

@@ -3,5 +3,5 @@ SELECT run, pid, function_name AS function,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, function, function_name
-ORDER BY import, trace, function
+GROUP BY run, import, trace, pid, function_place, function_name
+ORDER BY import, trace, function_place

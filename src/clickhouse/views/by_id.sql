@@ -3,5 +3,5 @@ SELECT run, pid, id_name,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, id, id_name
-ORDER BY import, trace, id
+GROUP BY run, import, trace, pid, id_place, id_name
+ORDER BY import, trace, id_place

@@ -3,5 +3,5 @@ SELECT run, pid, line_name AS source_line,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, line, line_name
-ORDER BY import, trace, line
+GROUP BY run, import, trace, pid, line_place, line_name
+ORDER BY import, trace, line_place

@@ -3,5 +3,5 @@ SELECT run, pid, process_pid, process_name,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, process, process_pid, process_name
-ORDER BY import, trace, process
+GROUP BY run, import, trace, pid, process_place, process_pid, process_name
+ORDER BY import, trace, process_place

@@ -3,5 +3,5 @@ SELECT run, pid, query_text AS query,
 {{figures}}
 FROM block_group_stored
 WHERE {{stored}}
-GROUP BY run, import, trace, pid, query, query_text
-ORDER BY import, trace, query
+GROUP BY run, import, trace, pid, query_place, query_text
+ORDER BY import, trace, query_place
