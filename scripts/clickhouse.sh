@@ -20,8 +20,12 @@ http_port() { echo $((first_port + $1)); }
 tcp_port() { echo $((first_port + 10 + $1)); }
 pid_file() { echo "$directory/server$1/pid"; }
 
+# One that has ended may wait for a parent that asks for its status.
 is_running() {
-  [ -s "$(pid_file "$1")" ] && kill -0 "$(cat "$(pid_file "$1")")" 2>/dev/null
+  [ -s "$(pid_file "$1")" ] || return 1
+  case $(sed 's/.*) //; s/ .*//' "/proc/$(cat "$(pid_file "$1")")/stat" 2>/dev/null) in
+    '' | Z | X) return 1 ;;
+  esac
 }
 
 shard() {
@@ -128,6 +132,7 @@ stop() {
     while is_running "$n"; do
       tries=$((tries + 1))
       [ $tries -lt 100 ] || kill -9 "$(cat "$(pid_file "$n")")" 2>/dev/null || true
+      [ $tries -lt 150 ] || { echo "clickhouse: server $n does not end" >&2; exit 1; }
       sleep 0.1
     done
     rm -f "$(pid_file "$n")"

@@ -30,7 +30,7 @@ CREATE TABLE IF NOT EXISTS import_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import);
 
 CREATE TABLE IF NOT EXISTS import_all AS import_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'import_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'import_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS trace_stored (
   run String,
@@ -85,7 +85,7 @@ CREATE TABLE IF NOT EXISTS trace_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace);
 
 CREATE TABLE IF NOT EXISTS trace_all AS trace_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'trace_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'trace_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS block_group_stored (
   run String,
@@ -141,7 +141,7 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace, place);
 
 CREATE TABLE IF NOT EXISTS block_group_all AS block_group_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'block_group_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'block_group_stored', cityHash64(run));
 
 -- The other lists of a profile: the members of an entry that are numbers, and those that are texts.
 CREATE TABLE IF NOT EXISTS list_stored (
@@ -156,7 +156,7 @@ CREATE TABLE IF NOT EXISTS list_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, list, trace, place);
 
 CREATE TABLE IF NOT EXISTS list_all AS list_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'list_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'list_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS memory_stored (
   run String,
@@ -250,7 +250,7 @@ CREATE TABLE IF NOT EXISTS memory_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, rec);
 
 CREATE TABLE IF NOT EXISTS memory_all AS memory_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'memory_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'memory_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS sbrk_stored (
   run String,
@@ -282,7 +282,7 @@ CREATE TABLE IF NOT EXISTS sbrk_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
 CREATE TABLE IF NOT EXISTS sbrk_all AS sbrk_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'sbrk_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'sbrk_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS queryevents_stored (
   run String,
@@ -312,7 +312,7 @@ CREATE TABLE IF NOT EXISTS queryevents_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS queryevents_all AS queryevents_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'queryevents_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'queryevents_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS marker_stored (
   run String,
@@ -328,7 +328,7 @@ CREATE TABLE IF NOT EXISTS marker_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, rec);
 
 CREATE TABLE IF NOT EXISTS marker_all AS marker_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'marker_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'marker_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS freemem_stored (
   run String,
@@ -340,7 +340,7 @@ CREATE TABLE IF NOT EXISTS freemem_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, alloc_rec);
 
 CREATE TABLE IF NOT EXISTS freemem_all AS freemem_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'freemem_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'freemem_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS arena_stored (
   run String,
@@ -367,7 +367,7 @@ CREATE TABLE IF NOT EXISTS arena_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
 CREATE TABLE IF NOT EXISTS arena_all AS arena_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'arena_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'arena_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS arcs_stored (
   run String,
@@ -386,7 +386,7 @@ CREATE TABLE IF NOT EXISTS arcs_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS arcs_all AS arcs_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'arcs_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'arcs_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS symbols_stored (
   run String,
@@ -403,7 +403,7 @@ CREATE TABLE IF NOT EXISTS symbols_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS symbols_all AS symbols_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'symbols_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'symbols_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS flowdata_stored (
   run String,
@@ -418,7 +418,7 @@ CREATE TABLE IF NOT EXISTS flowdata_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS flowdata_all AS flowdata_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'flowdata_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'flowdata_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS flow_stored (
   run String,
@@ -433,7 +433,7 @@ CREATE TABLE IF NOT EXISTS flow_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
 CREATE TABLE IF NOT EXISTS flow_all AS flow_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'flow_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'flow_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS process_stored (
   run String,
@@ -451,7 +451,7 @@ CREATE TABLE IF NOT EXISTS process_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS process_all AS process_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'process_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'process_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS hashloc_stored (
   run String,
@@ -462,7 +462,7 @@ CREATE TABLE IF NOT EXISTS hashloc_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS hashloc_all AS hashloc_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'hashloc_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'hashloc_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS malid_stored (
   run String,
@@ -482,7 +482,7 @@ CREATE TABLE IF NOT EXISTS malid_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS malid_all AS malid_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'malid_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'malid_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS color_stored (
   run String,
@@ -494,7 +494,7 @@ CREATE TABLE IF NOT EXISTS color_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS color_all AS color_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'color_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'color_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS queries_stored (
   run String,
@@ -510,7 +510,7 @@ CREATE TABLE IF NOT EXISTS queries_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS queries_all AS queries_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'queries_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'queries_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS runs_stored (
   run String,
@@ -530,7 +530,7 @@ CREATE TABLE IF NOT EXISTS runs_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS runs_all AS runs_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'runs_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'runs_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS objects_stored (
   run String,
@@ -541,7 +541,7 @@ CREATE TABLE IF NOT EXISTS objects_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS objects_all AS objects_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'objects_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'objects_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS functions_stored (
   run String,
@@ -554,7 +554,7 @@ CREATE TABLE IF NOT EXISTS functions_stored (
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
 CREATE TABLE IF NOT EXISTS functions_all AS functions_stored
-ENGINE = Distributed('kiv', currentDatabase(), 'functions_stored', cityHash64(run));
+ENGINE = Distributed('kiv', 'kiv', 'functions_stored', cityHash64(run));
 
 -- The loads that count.
 CREATE VIEW IF NOT EXISTS newest_import AS
@@ -569,7 +569,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'trace_loss';
 
 CREATE TABLE IF NOT EXISTS trace_loss AS trace_loss_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'trace_loss_shard');
+ENGINE = Distributed('kiv', 'kiv', 'trace_loss_shard');
 
 CREATE VIEW IF NOT EXISTS trace_note_shard AS
 SELECT run, import, trace, place, texts[1] AS note
@@ -577,7 +577,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'trace_note';
 
 CREATE TABLE IF NOT EXISTS trace_note AS trace_note_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'trace_note_shard');
+ENGINE = Distributed('kiv', 'kiv', 'trace_note_shard');
 
 CREATE VIEW IF NOT EXISTS id_name_shard AS
 SELECT run, import, trace, place, numbers[1] AS number, texts[1] AS name, texts[2] AS reserve_type
@@ -585,7 +585,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'id_name';
 
 CREATE TABLE IF NOT EXISTS id_name AS id_name_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'id_name_shard');
+ENGINE = Distributed('kiv', 'kiv', 'id_name_shard');
 
 CREATE VIEW IF NOT EXISTS color_name_shard AS
 SELECT run, import, trace, place, numbers[1] AS id, numbers[2] AS number, texts[1] AS name
@@ -593,7 +593,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'color_name';
 
 CREATE TABLE IF NOT EXISTS color_name AS color_name_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'color_name_shard');
+ENGINE = Distributed('kiv', 'kiv', 'color_name_shard');
 
 CREATE VIEW IF NOT EXISTS line_name_shard AS
 SELECT run, import, trace, place, texts[1] AS name
@@ -601,7 +601,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'line_name';
 
 CREATE TABLE IF NOT EXISTS line_name AS line_name_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'line_name_shard');
+ENGINE = Distributed('kiv', 'kiv', 'line_name_shard');
 
 CREATE VIEW IF NOT EXISTS function_name_shard AS
 SELECT run, import, trace, place, texts[1] AS object, texts[2] AS name
@@ -609,7 +609,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'function_name';
 
 CREATE TABLE IF NOT EXISTS function_name AS function_name_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'function_name_shard');
+ENGINE = Distributed('kiv', 'kiv', 'function_name_shard');
 
 CREATE VIEW IF NOT EXISTS call_path_shard AS
 SELECT run, import, trace, place, numbers[1] AS parent, numbers[2] AS function
@@ -617,7 +617,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'call_path';
 
 CREATE TABLE IF NOT EXISTS call_path AS call_path_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'call_path_shard');
+ENGINE = Distributed('kiv', 'kiv', 'call_path_shard');
 
 CREATE VIEW IF NOT EXISTS process_name_shard AS
 SELECT run, import, trace, place, numbers[1] AS pid, texts[1] AS name
@@ -625,7 +625,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'process_name';
 
 CREATE TABLE IF NOT EXISTS process_name AS process_name_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'process_name_shard');
+ENGINE = Distributed('kiv', 'kiv', 'process_name_shard');
 
 CREATE VIEW IF NOT EXISTS query_text_shard AS
 SELECT run, import, trace, place, texts[1] AS text
@@ -633,7 +633,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'query_text';
 
 CREATE TABLE IF NOT EXISTS query_text AS query_text_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'query_text_shard');
+ENGINE = Distributed('kiv', 'kiv', 'query_text_shard');
 
 CREATE VIEW IF NOT EXISTS histogram_shard AS
 SELECT run, import, trace, place, numbers[1] AS kind, numbers[2] AS no_free, numbers[3] AS id, numbers[4] AS exponent, numbers[5] AS blocks, numbers[6] AS bytes
@@ -641,7 +641,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'histogram';
 
 CREATE TABLE IF NOT EXISTS histogram AS histogram_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'histogram_shard');
+ENGINE = Distributed('kiv', 'kiv', 'histogram_shard');
 
 CREATE VIEW IF NOT EXISTS heap_change_shard AS
 SELECT run, import, trace, place, numbers[1] AS gap, numbers[2] AS path, numbers[3] AS process, numbers[4] AS count, numbers[5] AS bytes
@@ -649,7 +649,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'heap_change';
 
 CREATE TABLE IF NOT EXISTS heap_change AS heap_change_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'heap_change_shard');
+ENGINE = Distributed('kiv', 'kiv', 'heap_change_shard');
 
 CREATE VIEW IF NOT EXISTS timeline_step_shard AS
 SELECT run, import, trace, place, numbers[1] AS last_record, texts[1] AS time, numbers[2] AS highest_bytes, numbers[3] AS last_bytes, numbers[4] AS heap_bytes
@@ -657,7 +657,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_step';
 
 CREATE TABLE IF NOT EXISTS timeline_step AS timeline_step_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'timeline_step_shard');
+ENGINE = Distributed('kiv', 'kiv', 'timeline_step_shard');
 
 CREATE VIEW IF NOT EXISTS timeline_level_shard AS
 SELECT run, import, trace, numbers[1] AS step, numbers[2] AS place, numbers[3] AS id, numbers[4] AS bytes
@@ -665,7 +665,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_level';
 
 CREATE TABLE IF NOT EXISTS timeline_level AS timeline_level_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'timeline_level_shard');
+ENGINE = Distributed('kiv', 'kiv', 'timeline_level_shard');
 
 CREATE VIEW IF NOT EXISTS program_mark_shard AS
 SELECT run, import, trace, place, numbers[1] AS record, texts[1] AS time, texts[2] AS text, numbers[2] AS live_bytes, numbers[3] AS live_blocks
@@ -673,7 +673,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'program_mark';
 
 CREATE TABLE IF NOT EXISTS program_mark AS program_mark_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'program_mark_shard');
+ENGINE = Distributed('kiv', 'kiv', 'program_mark_shard');
 
 CREATE VIEW IF NOT EXISTS mark_level_shard AS
 SELECT run, import, trace, numbers[1] AS mark, numbers[2] AS place, numbers[3] AS id, numbers[4] AS bytes
@@ -681,7 +681,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'mark_level';
 
 CREATE TABLE IF NOT EXISTS mark_level AS mark_level_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'mark_level_shard');
+ENGINE = Distributed('kiv', 'kiv', 'mark_level_shard');
 
 CREATE VIEW IF NOT EXISTS memory_shard AS
 SELECT run AS run_id, main_pid, time, type, rec, rec_thousands, pid, arc, flow, depth, caller_object, caller_function, callee_object, callee_function, hosk_call, hosk_symbol, hosk_args, query_seq, location, malid, color, addr, size_change, tot_size_change, size, tot_size, addr2, linked_rec, 'color' AS color_label, color_live_size, color_live_tot_size, color_live_count, color_peak_size, color_peak_tot_size, color_mem_size, color_mem_tot_size, color_rec, color_rec_tens, 'malid' AS malid_label, malid_live_size, malid_live_tot_size, malid_live_count, malid_peak_size, malid_peak_tot_size, malid_mem_size, malid_mem_tot_size, malid_rec, malid_rec_hundreds, malid_sum_size, malid_sum_tot_size, malid_sum_count, 'process' AS process_label, process_live_size, process_live_tot_size, process_live_count, process_peak_size, process_peak_tot_size, process_mem_size, process_mem_tot_size, process_rec, process_rec_hundreds, process_sum_size, process_sum_tot_size, process_sum_count, 'process m' AS process_malid_label, process_malid_live_size, process_malid_live_tot_size, process_malid_live_count, process_malid_mem_size, process_malid_mem_tot_size, process_malid_rec, process_malid_rec_hundreds, 'process c' AS process_color_label, process_color_live_size, process_color_live_tot_size, process_color_live_count, process_color_mem_size, process_color_mem_tot_size, process_color_rec, process_color_rec_tens, 'global' AS global_label, global_live_size, global_live_tot_size, global_live_count, global_peak_size, global_peak_tot_size, global_nf_size, global_nf_tot_size, global_nf_count, 'sbrk' AS sbrk_label, sbrk_total, sbrk_count, gap_total, gap_count
@@ -689,7 +689,7 @@ FROM memory_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS memory AS memory_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'memory_shard');
+ENGINE = Distributed('kiv', 'kiv', 'memory_shard');
 
 CREATE VIEW IF NOT EXISTS sbrk_shard AS
 SELECT run AS run_id, main_pid, time, record, type, sbrk_row, record_again, pid, arc, flow, depth, caller_object, caller_function, callee_object, callee_function, hosk_call, hosk_symbol, hosk_args, query_seq, addr_or_l_sbrk, size_or_c_sbrk, sbrk_total, sbrk_count, gap_total, gap_count
@@ -697,7 +697,7 @@ FROM sbrk_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS sbrk AS sbrk_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'sbrk_shard');
+ENGINE = Distributed('kiv', 'kiv', 'sbrk_shard');
 
 CREATE VIEW IF NOT EXISTS queryevents_shard AS
 SELECT run AS run_id, main_pid, seq, time, qid, linked_qid, type, start_sbrk_rows, end_sbrk_rows, start_rec, end_rec, pid, arc, flow, depth, caller_object, caller_function, callee_object, callee_function, hosk_call, hosk_symbol, hosk_args, query_seq
@@ -705,7 +705,7 @@ FROM queryevents_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS queryevents AS queryevents_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'queryevents_shard');
+ENGINE = Distributed('kiv', 'kiv', 'queryevents_shard');
 
 CREATE VIEW IF NOT EXISTS marker_shard AS
 SELECT run AS run_id, main_pid, marker, rec, last_rec, time, type, subtype, marker_text
@@ -713,7 +713,7 @@ FROM marker_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS marker AS marker_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'marker_shard');
+ENGINE = Distributed('kiv', 'kiv', 'marker_shard');
 
 CREATE VIEW IF NOT EXISTS freemem_shard AS
 SELECT run AS run_id, main_pid, alloc_rec, free_rec, type
@@ -721,7 +721,7 @@ FROM freemem_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS freemem AS freemem_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'freemem_shard');
+ENGINE = Distributed('kiv', 'kiv', 'freemem_shard');
 
 CREATE VIEW IF NOT EXISTS arena_shard AS
 SELECT run AS run_id, main_pid, time, record, arena_row, pid, arc, flow, depth, caller_object, caller_function, callee_object, callee_function, hosk_call, hosk_symbol, hosk_args, query_seq, arena, used, freed
@@ -729,7 +729,7 @@ FROM arena_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS arena AS arena_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'arena_shard');
+ENGINE = Distributed('kiv', 'kiv', 'arena_shard');
 
 CREATE VIEW IF NOT EXISTS arcs_shard AS
 SELECT run AS run_id, main_pid, pid, arc, caller_object_name, caller_object, caller_function, caller_function_name, callee_object_name, callee_object, callee_function, callee_function_name
@@ -737,7 +737,7 @@ FROM arcs_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS arcs AS arcs_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'arcs_shard');
+ENGINE = Distributed('kiv', 'kiv', 'arcs_shard');
 
 CREATE VIEW IF NOT EXISTS symbols_shard AS
 SELECT run AS run_id, main_pid, pid, flow, ordinal, sym, size, category, flags, declaration
@@ -745,7 +745,7 @@ FROM symbols_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS symbols AS symbols_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'symbols_shard');
+ENGINE = Distributed('kiv', 'kiv', 'symbols_shard');
 
 CREATE VIEW IF NOT EXISTS flowdata_shard AS
 SELECT run AS run_id, main_pid, pid, flow, ordinal, group_size, group_count, symbol_lines
@@ -753,7 +753,7 @@ FROM flowdata_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS flowdata AS flowdata_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'flowdata_shard');
+ENGINE = Distributed('kiv', 'kiv', 'flowdata_shard');
 
 CREATE VIEW IF NOT EXISTS flow_shard AS
 SELECT run AS run_id, main_pid, pid, flow, depth, record, arc, direction
@@ -761,7 +761,7 @@ FROM flow_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS flow AS flow_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'flow_shard');
+ENGINE = Distributed('kiv', 'kiv', 'flow_shard');
 
 CREATE VIEW IF NOT EXISTS process_shard AS
 SELECT run AS run_id, main_pid, pid, session_name, malid, xmlid, parent, start_time, end_time, start_record, end_record
@@ -769,7 +769,7 @@ FROM process_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS process AS process_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'process_shard');
+ENGINE = Distributed('kiv', 'kiv', 'process_shard');
 
 CREATE VIEW IF NOT EXISTS hashloc_shard AS
 SELECT run AS run_id, main_pid, location, source_line
@@ -777,7 +777,7 @@ FROM hashloc_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS hashloc AS hashloc_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'hashloc_shard');
+ENGINE = Distributed('kiv', 'kiv', 'hashloc_shard');
 
 CREATE VIEW IF NOT EXISTS malid_shard AS
 SELECT run AS run_id, main_pid, malid, location, reserve_type, category, description, reference, default_size, start_time, end_time, start_record, end_record
@@ -785,7 +785,7 @@ FROM malid_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS malid AS malid_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'malid_shard');
+ENGINE = Distributed('kiv', 'kiv', 'malid_shard');
 
 CREATE VIEW IF NOT EXISTS color_shard AS
 SELECT run AS run_id, main_pid, malid, color, color_name
@@ -793,7 +793,7 @@ FROM color_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS color AS color_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'color_shard');
+ENGINE = Distributed('kiv', 'kiv', 'color_shard');
 
 CREATE VIEW IF NOT EXISTS queries_shard AS
 SELECT run AS run_id, main_pid, pid, qid, linked_qid, start_time, first_use_time, last_use_time, query_text
@@ -801,7 +801,7 @@ FROM queries_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS queries AS queries_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'queries_shard');
+ENGINE = Distributed('kiv', 'kiv', 'queries_shard');
 
 CREATE VIEW IF NOT EXISTS runs_shard AS
 SELECT run AS run_id, main_pid, start_time, end_time, program, environment, account, host, user_name, description, m_entry_size, mem_block_size, m_group_size
@@ -809,7 +809,7 @@ FROM runs_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS runs AS runs_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'runs_shard');
+ENGINE = Distributed('kiv', 'kiv', 'runs_shard');
 
 CREATE VIEW IF NOT EXISTS objects_shard AS
 SELECT run AS run_id, main_pid, object, object_name
@@ -817,7 +817,7 @@ FROM objects_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS objects AS objects_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'objects_shard');
+ENGINE = Distributed('kiv', 'kiv', 'objects_shard');
 
 CREATE VIEW IF NOT EXISTS functions_shard AS
 SELECT run AS run_id, main_pid, object_name, object, function_number, function_name
@@ -825,7 +825,7 @@ FROM functions_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS functions AS functions_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'functions_shard');
+ENGINE = Distributed('kiv', 'kiv', 'functions_shard');
 
 -- every block (a, n) and every resize of one (r), with the record that ended it
 CREATE VIEW IF NOT EXISTS block_shard AS
@@ -843,7 +843,7 @@ FROM (
 ) AS f USING (import, main_pid, rec);
 
 CREATE TABLE IF NOT EXISTS block AS block_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'block_shard');
+ENGINE = Distributed('kiv', 'kiv', 'block_shard');
 
 -- the blocks that share all of kind, id, colour, line, call path, process and SQL statement
 CREATE VIEW IF NOT EXISTS block_group_shard AS
@@ -858,7 +858,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS block_group AS block_group_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'block_group_shard');
+ENGINE = Distributed('kiv', 'kiv', 'block_group_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by colour of an allocation id
 CREATE VIEW IF NOT EXISTS by_color_shard AS
@@ -893,7 +893,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, id_place, color_place, id_name, color_name;
 
 CREATE TABLE IF NOT EXISTS by_color AS by_color_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_color_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_color_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by innermost function
 CREATE VIEW IF NOT EXISTS by_function_shard AS
@@ -928,7 +928,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, function_place, function_name;
 
 CREATE TABLE IF NOT EXISTS by_function AS by_function_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_function_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_function_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by allocation id
 CREATE VIEW IF NOT EXISTS by_id_shard AS
@@ -963,7 +963,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, id_place, id_name;
 
 CREATE TABLE IF NOT EXISTS by_id AS by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_id_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by source line
 CREATE VIEW IF NOT EXISTS by_line_shard AS
@@ -998,7 +998,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, line_place, line_name;
 
 CREATE TABLE IF NOT EXISTS by_line AS by_line_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_line_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_line_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by call path
 CREATE VIEW IF NOT EXISTS by_path_shard AS
@@ -1032,7 +1032,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'call_path' AND length(numbers) > 4;
 
 CREATE TABLE IF NOT EXISTS by_path AS by_path_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_path_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_path_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by process
 CREATE VIEW IF NOT EXISTS by_process_shard AS
@@ -1067,7 +1067,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, process_place, process_pid, process_name;
 
 CREATE TABLE IF NOT EXISTS by_process AS by_process_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_process_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_process_shard');
 
 -- blocks and bytes allocated, freed, leaked, live, at the peak and temporary, by SQL statement
 CREATE VIEW IF NOT EXISTS by_query_shard AS
@@ -1102,7 +1102,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, query_place, query_text;
 
 CREATE TABLE IF NOT EXISTS by_query AS by_query_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'by_query_shard');
+ENGINE = Distributed('kiv', 'kiv', 'by_query_shard');
 
 -- the groups of blocks of all runs by colour of an allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_color_shard AS
@@ -1112,7 +1112,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_color AS fleet_by_color_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_color_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_color_shard');
 
 -- the groups of blocks of all runs by innermost function, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_function_shard AS
@@ -1122,7 +1122,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_function AS fleet_by_function_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_function_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_function_shard');
 
 -- the groups of blocks of all runs by allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_id_shard AS
@@ -1132,7 +1132,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_id AS fleet_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_id_shard');
 
 -- the groups of blocks of all runs by source line, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_line_shard AS
@@ -1142,7 +1142,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_line AS fleet_by_line_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_line_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_line_shard');
 
 -- the groups of blocks of all runs by process, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_process_shard AS
@@ -1152,7 +1152,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_process AS fleet_by_process_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_process_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_process_shard');
 
 -- the groups of blocks of all runs by SQL statement, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_query_shard AS
@@ -1162,7 +1162,7 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_by_query AS fleet_by_query_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_by_query_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_by_query_shard');
 
 -- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
 CREATE VIEW IF NOT EXISTS fleet_summary AS
@@ -1185,7 +1185,7 @@ FROM trace_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS fleet_trace AS fleet_trace_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'fleet_trace_shard');
+ENGINE = Distributed('kiv', 'kiv', 'fleet_trace_shard');
 
 -- growth of the heap and gaps in it, by process and call path
 CREATE VIEW IF NOT EXISTS heap_growth_shard AS
@@ -1195,7 +1195,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'heap_change';
 
 CREATE TABLE IF NOT EXISTS heap_growth AS heap_growth_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'heap_growth_shard');
+ENGINE = Distributed('kiv', 'kiv', 'heap_growth_shard');
 
 -- what runs were given at their import, by key and value
 CREATE VIEW IF NOT EXISTS labels_shard AS
@@ -1204,7 +1204,7 @@ FROM import_stored ARRAY JOIN label_keys AS key, label_values AS value
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS labels AS labels_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'labels_shard');
+ENGINE = Distributed('kiv', 'kiv', 'labels_shard');
 
 -- blocks that ended by how many memory records they lived
 CREATE VIEW IF NOT EXISTS lifetimes_shard AS
@@ -1215,7 +1215,7 @@ WHERE import IN (SELECT import FROM newest_import) AND list = 'histogram' AND nu
 GROUP BY run, import, trace, pid, numbers[2], numbers[4];
 
 CREATE TABLE IF NOT EXISTS lifetimes AS lifetimes_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'lifetimes_shard');
+ENGINE = Distributed('kiv', 'kiv', 'lifetimes_shard');
 
 -- blocks that ended by how many memory records they lived, by allocation id
 CREATE VIEW IF NOT EXISTS lifetimes_by_id_shard AS
@@ -1225,7 +1225,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'histogram' AND numbers[1] = 1;
 
 CREATE TABLE IF NOT EXISTS lifetimes_by_id AS lifetimes_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'lifetimes_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'lifetimes_by_id_shard');
 
 -- what keeps a trace from being complete
 CREATE VIEW IF NOT EXISTS losses_shard AS
@@ -1234,7 +1234,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'trace_loss';
 
 CREATE TABLE IF NOT EXISTS losses AS losses_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'losses_shard');
+ENGINE = Distributed('kiv', 'kiv', 'losses_shard');
 
 -- live memory at every marker of the program and its change since the one before
 CREATE VIEW IF NOT EXISTS marker_change_shard AS
@@ -1244,7 +1244,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'program_mark';
 
 CREATE TABLE IF NOT EXISTS marker_change AS marker_change_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'marker_change_shard');
+ENGINE = Distributed('kiv', 'kiv', 'marker_change_shard');
 
 -- live memory of an allocation id at the markers at which it had changed
 CREATE VIEW IF NOT EXISTS marker_change_by_id_shard AS
@@ -1254,7 +1254,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'mark_level';
 
 CREATE TABLE IF NOT EXISTS marker_change_by_id AS marker_change_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'marker_change_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'marker_change_by_id_shard');
 
 -- what was left out of a profile
 CREATE VIEW IF NOT EXISTS notes_shard AS
@@ -1263,7 +1263,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'trace_note';
 
 CREATE TABLE IF NOT EXISTS notes AS notes_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'notes_shard');
+ENGINE = Distributed('kiv', 'kiv', 'notes_shard');
 
 -- call paths as text, outermost function first; long ones keep their innermost part
 CREATE VIEW IF NOT EXISTS paths_shard AS
@@ -1272,7 +1272,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'call_path';
 
 CREATE TABLE IF NOT EXISTS paths AS paths_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'paths_shard');
+ENGINE = Distributed('kiv', 'kiv', 'paths_shard');
 
 -- bytes lost to the allocator's rounding, by allocation id
 CREATE VIEW IF NOT EXISTS rounding_by_id_shard AS
@@ -1284,7 +1284,7 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, id_place, id_name;
 
 CREATE TABLE IF NOT EXISTS rounding_by_id AS rounding_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'rounding_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'rounding_by_id_shard');
 
 -- the runs in the order of their imports
 CREATE VIEW IF NOT EXISTS run_list_shard AS
@@ -1297,7 +1297,7 @@ FROM import_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS run_list AS run_list_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'run_list_shard');
+ENGINE = Distributed('kiv', 'kiv', 'run_list_shard');
 
 -- who, when and how much, per trace of a run
 CREATE VIEW IF NOT EXISTS run_summary AS
@@ -1340,7 +1340,7 @@ WHERE import IN (SELECT import FROM newest_import) AND list = 'histogram' AND nu
 GROUP BY run, import, trace, pid, numbers[2], numbers[4];
 
 CREATE TABLE IF NOT EXISTS sizes AS sizes_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'sizes_shard');
+ENGINE = Distributed('kiv', 'kiv', 'sizes_shard');
 
 -- blocks by the size that they were made with, by allocation id
 CREATE VIEW IF NOT EXISTS sizes_by_id_shard AS
@@ -1350,7 +1350,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'histogram' AND numbers[1] = 0;
 
 CREATE TABLE IF NOT EXISTS sizes_by_id AS sizes_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'sizes_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'sizes_by_id_shard');
 
 -- live memory over time: highest and last, and the growth of the heap
 CREATE VIEW IF NOT EXISTS timeline_shard AS
@@ -1360,7 +1360,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_step';
 
 CREATE TABLE IF NOT EXISTS timeline AS timeline_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'timeline_shard');
+ENGINE = Distributed('kiv', 'kiv', 'timeline_shard');
 
 -- live memory of an allocation id over time, where it changed
 CREATE VIEW IF NOT EXISTS timeline_by_id_shard AS
@@ -1370,7 +1370,7 @@ FROM list_stored
 WHERE import IN (SELECT import FROM newest_import) AND list = 'timeline_level';
 
 CREATE TABLE IF NOT EXISTS timeline_by_id AS timeline_by_id_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'timeline_by_id_shard');
+ENGINE = Distributed('kiv', 'kiv', 'timeline_by_id_shard');
 
 -- the traces of runs
 CREATE VIEW IF NOT EXISTS trace_shard AS
@@ -1382,7 +1382,7 @@ FROM trace_stored
 WHERE import IN (SELECT import FROM newest_import);
 
 CREATE TABLE IF NOT EXISTS trace AS trace_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'trace_shard');
+ENGINE = Distributed('kiv', 'kiv', 'trace_shard');
 
 -- memory with an obligation to free against memory without
 CREATE VIEW IF NOT EXISTS with_free_no_free_shard AS
@@ -1417,4 +1417,4 @@ WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, no_free;
 
 CREATE TABLE IF NOT EXISTS with_free_no_free AS with_free_no_free_shard
-ENGINE = Distributed('kiv', currentDatabase(), 'with_free_no_free_shard');
+ENGINE = Distributed('kiv', 'kiv', 'with_free_no_free_shard');

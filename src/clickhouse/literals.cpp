@@ -92,7 +92,7 @@ bool read_members(std::string_view text, Member read_member) {
 
 }  // namespace
 
-std::string quoted(std::string_view text) {
+std::string text_literal(std::string_view text) {
   std::string literal = "'";
   append_escaped(literal, text);
   return literal + '\'';

@@ -8,7 +8,7 @@
 namespace kiv::clickhouse {
 
 // A text as a literal of SQL, whatever bytes it has.
-std::string quoted(std::string_view text);
+std::string text_literal(std::string_view text);
 
 // A name of a database, table or cluster in SQL, in backquotes.
 std::string quoted_identifier(std::string_view name);

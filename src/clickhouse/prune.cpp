@@ -47,7 +47,7 @@ class pruner {
       result_cursor left(server_,
                          "SELECT count() AS left FROM system.mutations WHERE is_done = 0 "
                          "AND database = " +
-                             quoted(url_.database));
+                             text_literal(url_.database));
       const bool done = left.step() && left.integer(0) == 0;
       while (left.step()) {
       }

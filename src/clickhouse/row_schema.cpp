@@ -21,7 +21,7 @@ row_table make(const csv_table& table) {
   for (const auto& column : table.columns.subspan(1)) {
     const std::string name(column.name);
     if (!column.label.empty()) {
-      made.select += ", " + quoted(column.label) + " AS " + name;
+      made.select += ", " + text_literal(column.label) + " AS " + name;
       continue;
     }
     const bool is_number = column.type == column_type::i64 || column.type == column_type::u64;

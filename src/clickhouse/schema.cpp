@@ -18,7 +18,7 @@ std::span<const embedded_text> clickhouse_views();
 namespace kiv::clickhouse {
 namespace {
 
-constexpr std::string_view stored_suffix = "_stored", all_suffix = "_all", shard_suffix = "_shard";
+constexpr std::string_view stored_suffix = "_stored", all_suffix = "_everywhere", shard_suffix = "_shard";
 constexpr std::string_view newest = "import IN (SELECT import FROM newest_import)";
 
 // The newest loads of runs that were not deleted. Each shard has those of its own runs.
@@ -43,19 +43,15 @@ std::string without_order(const std::string& select) {
   return select.substr(0, select.rfind("\nORDER BY "));
 }
 
-std::string distributed(std::string_view name, std::string_view over, std::string_view cluster) {
-  return "CREATE TABLE IF NOT EXISTS " + std::string(name) + " AS " + std::string(over) +
-         "\nENGINE = Distributed(" + quoted(cluster) + ", currentDatabase(), " + quoted(over) +
-         ", cityHash64(run))";
-}
-
 class schema_maker {
  public:
-  explicit schema_maker(std::string_view cluster) : cluster_(cluster) {}
+  schema_maker(std::string_view cluster, std::string_view database)
+      : cluster_(cluster), database_(database) {}
 
   void add_stored(std::string_view comment, std::string_view name, std::string sql) {
     add(std::string(comment), std::move(sql));
-    if (!cluster_.empty()) add({}, distributed(insert_table(name, cluster_), name, cluster_));
+    if (!cluster_.empty())
+      add({}, over_shards(insert_table(name, cluster_), name, ", cityHash64(run)"));
   }
 
   void add_view(const std::string& name, std::string_view comment, const std::string& select,
@@ -66,7 +62,7 @@ class schema_maker {
     }
     const std::string shard = name + std::string(shard_suffix);
     add(std::string(comment), "CREATE VIEW IF NOT EXISTS " + shard + " AS\n" + select);
-    add({}, distributed_view(name, shard));
+    add({}, over_shards(name, shard, {}));  // nothing is inserted through it
   }
 
   void add(std::string comment, std::string sql) {
@@ -78,14 +74,15 @@ class schema_maker {
   static std::string of_this_server(std::string select) {
     return replaced(std::move(select), all_suffix, stored_suffix);
   }
-  // Nothing is inserted through it.
-  std::string distributed_view(std::string_view name, std::string_view shard) const {
-    return "CREATE TABLE IF NOT EXISTS " + std::string(name) + " AS " + std::string(shard) +
-           "\nENGINE = Distributed(" + quoted(cluster_) + ", currentDatabase(), " + quoted(shard) +
-           ")";
+  // The name of the database stands in it, since there is no present one when a server starts.
+  std::string over_shards(std::string_view name, std::string_view of,
+                          std::string_view sharding) const {
+    return "CREATE TABLE IF NOT EXISTS " + std::string(name) + " AS " + std::string(of) +
+           "\nENGINE = Distributed(" + text_literal(cluster_) + ", " + text_literal(database_) +
+           ", " + text_literal(of) + std::string(sharding) + ")";
   }
 
-  std::string_view cluster_;
+  std::string_view cluster_, database_;
   std::vector<schema_statement> made_;
 };
 
@@ -101,7 +98,7 @@ std::string select_of_list(const list_columns& list) {
               std::string(column.substr(3));
   }
   return select + "\nFROM list_stored\nWHERE " + std::string(newest) +
-         " AND list = " + quoted(list.name);
+         " AND list = " + text_literal(list.name);
 }
 
 // The tables of tables.sql: each a comment, if any, and a statement.
@@ -149,8 +146,9 @@ std::vector<std::string> stored_tables() {
   return names;
 }
 
-std::vector<schema_statement> schema_statements(std::string_view cluster) {
-  schema_maker schema(cluster);
+std::vector<schema_statement> schema_statements(std::string_view cluster,
+                                                std::string_view database) {
+  schema_maker schema(cluster, database);
   for (const auto& table : statements_of(find_text(clickhouse_sql(), "tables"))) {
     schema.add_stored(table.comment, name_of_table(table.sql), table.sql);
   }
@@ -167,9 +165,9 @@ std::vector<schema_statement> schema_statements(std::string_view cluster) {
   return schema.take();
 }
 
-std::string schema_sql(std::string_view cluster) {
+std::string schema_sql(std::string_view cluster, std::string_view database) {
   std::string text;
-  for (const auto& statement : schema_statements(cluster)) {
+  for (const auto& statement : schema_statements(cluster, database)) {
     text += (text.empty() ? "" : "\n") + statement.comment + statement.sql + ";\n";
   }
   return text;
@@ -183,7 +181,7 @@ std::string select_of_view(std::string_view view, std::string_view database,
   const std::string in = quoted_identifier(database) + ".";
   const std::string which =
       only != nullptr
-          ? "run = " + quoted(only->run) + " AND import = " + std::to_string(only->import)
+          ? "run = " + text_literal(only->run) + " AND import = " + std::to_string(only->import)
           : "import IN (SELECT import FROM " + in + "newest_import)";
   const auto where = sql.find(newest);
   if (where != std::string::npos) sql.replace(where, newest.size(), which);

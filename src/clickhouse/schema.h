@@ -14,11 +14,12 @@ struct schema_statement {
 
 // The statements that make tables and views where they are not there yet, one after another. For a
 // server alone, or, with the name of a cluster, for each of its servers: there, views are of one
-// shard, and tables over them are of all.
-std::vector<schema_statement> schema_statements(std::string_view cluster);
+// shard, and tables over them are of all, in the database of that name.
+std::vector<schema_statement> schema_statements(std::string_view cluster,
+                                                std::string_view database);
 
 // The same as text.
-std::string schema_sql(std::string_view cluster);
+std::string schema_sql(std::string_view cluster, std::string_view database);
 
 // The tables that loads write, each with what it holds of a run.
 std::vector<std::string> stored_tables();

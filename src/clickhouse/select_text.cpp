@@ -53,7 +53,7 @@ std::string with_texts(std::string_view sql, const std::vector<std::string>& tex
   for (std::size_t at = 0; at < sql.size();) {
     const std::size_t end = end_of_quoted(sql, at);
     if (end == at && sql[at] == '?' && used < texts.size()) {
-      made += quoted(texts[used++]);
+      made += text_literal(texts[used++]);
     } else {
       made += sql.substr(at, std::max<std::size_t>(end - at, 1));
     }

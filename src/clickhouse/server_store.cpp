@@ -68,7 +68,7 @@ std::optional<std::string> server_store::latest_run(std::string& error) {
 
 std::optional<server_store::stored_run> server_store::find(std::string_view name,
                                                            std::string& error) {
-  const std::string mine = ", run = " + quoted(name) + ")";
+  const std::string mine = ", run = " + text_literal(name) + ")";
   result_cursor row(server_, "SELECT max(import) AS newest, maxIf(import" + mine +
                                  " AS own, argMaxIf(deleted, import" + mine +
                                  " AS gone, argMaxIf(complete, import" + mine +

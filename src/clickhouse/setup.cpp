@@ -10,7 +10,7 @@ bool set_up(const server_url& url, std::string& error) {
   server target(url);
   server_failure failure = target.execute_without_database("CREATE DATABASE IF NOT EXISTS " +
                                                            quoted_identifier(url.database));
-  for (const auto& statement : schema_statements(url.cluster)) {
+  for (const auto& statement : schema_statements(url.cluster, url.database)) {
     if (failure) break;
     failure = target.execute(statement.sql);
   }

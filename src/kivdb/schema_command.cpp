@@ -10,11 +10,11 @@ namespace {
 
 struct schema_arguments {
   std::string engine;
-  std::string cluster;
+  std::string cluster, database = "kiv";
 };
 
 int run_schema(const schema_arguments& arguments) {
-  std::cout << clickhouse::schema_sql(arguments.cluster);
+  std::cout << clickhouse::schema_sql(arguments.cluster, arguments.database);
   return finish_output();
 }
 
@@ -29,6 +29,8 @@ void add_schema(program_options& program) {
                           "What the server is: clickhouse");
   command.option("--cluster", arguments->cluster,
                  "For each server of this cluster: tables over all of its shards too");
+  command.option("--database", arguments->database,
+                 "The database that they will be in, with --cluster (kiv unless told)");
   command.example("kivdb schema clickhouse --cluster fleet");
 }
 

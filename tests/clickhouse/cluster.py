@@ -66,7 +66,11 @@ class Cluster:
         os.kill(int(self.values[f"PID{server}"]), signal.SIGKILL)
 
     def is_running(self, server):
-        return pathlib.Path(f"/proc/{self.values[f'PID{server}']}").exists()
+        try:
+            state = pathlib.Path(f"/proc/{self.values[f'PID{server}']}/stat").read_text().rsplit(")", 1)[1].split()[0]
+        except FileNotFoundError:
+            return False
+        return state not in "ZX"
 
     def port(self, server):
         return self.first_port + server

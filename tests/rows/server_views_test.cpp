@@ -93,7 +93,8 @@ TEST_F(ServerViews, AgreeWithTheProfile) {
 TEST_F(ServerViews, GeneratedScriptsAreUpToDate) {
   ASSERT_EQ(std::system((KIV_MAKE_SCHEMAS " " + dir_.path()).c_str()), 0);
   for (const std::string file : {"sqlite/schema.sql", "sqlite/rows.sql", "sqlserver/1_tables.sql",
-                                 "sqlserver/2_procedures.sql", "sqlserver/3_views.sql"}) {
+                                 "sqlserver/2_procedures.sql", "sqlserver/3_views.sql",
+                                 "clickhouse/server.sql", "clickhouse/cluster.sql"}) {
     EXPECT_EQ(
         first_difference(read_file(dir_ / file), read_file(KIV_SOURCE_DIR "/database/" + file)), "")
         << file << ": write it anew with make_schemas database";

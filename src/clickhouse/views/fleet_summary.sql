@@ -6,7 +6,7 @@ SELECT program, release, toInt64(count()) AS runs,
   arraySort(groupArray(leaked))[toInt64(intDiv(count() * 95, 100)) + 1] AS p95_leaked_bytes
 FROM (
   SELECT import, run, program, release, sum(peak_bytes) AS peak, sum(total_leaked_bytes) AS leaked
-  FROM trace_all WHERE {{stored}} GROUP BY import, run, program, release
+  FROM trace_everywhere WHERE {{stored}} GROUP BY import, run, program, release
 )
 GROUP BY program, release
 ORDER BY program, release
