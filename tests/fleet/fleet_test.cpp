@@ -269,6 +269,13 @@ TEST_F(Fleet, NamesTheRunSinceWhichANameLeaks) {
       ASSERT_TRUE(answer) << error_;
       EXPECT_EQ(sorted(rows_of(*answer)), sorted(expected)) << name_of(by) << ' ' << limit;
       EXPECT_FALSE(expected.empty());
+      const auto number = [](const report::table_row& row) {
+        return std::stoi(std::get<std::string>(row[2]).substr(3));
+      };
+      EXPECT_TRUE(
+          std::is_sorted(answer->rows.begin(), answer->rows.end(),
+                         [&](const auto& x, const auto& y) { return number(x) > number(y); }))
+          << "latest first";
       if (by != group_key::line || limit != 65'536) continue;
       ASSERT_EQ(answer->rows.size(), 1u);
       EXPECT_EQ(std::get<std::string>(answer->rows[0][1]), leaking_release);
@@ -340,6 +347,32 @@ TEST_F(Fleet, FindsWhatGrewInTheLastRuns) {
       EXPECT_EQ(planted, count <= 20 ? 1 : 0) << count;
     }
   }
+}
+
+TEST_F(Fleet, SaysWhatCannotBeRead) {
+  ASSERT_NO_FATAL_FAILURE(generate({9}));
+  store_.close();
+  ASSERT_TRUE(store_.open(file(), open_mode::create, error_));
+  const auto fails = [&](const auto& ask) {
+    error_.clear();
+    return !ask() && !error_.empty();
+  };
+  const auto exec = [&](const char* sql) { return store_.connection().exec(sql); };
+  const fleet_options options;
+  ASSERT_TRUE(exec("DROP VIEW fleet_by_line"));
+  EXPECT_TRUE(fails([&] { return fleet::peaks_of(store_, options, error_); }));
+  EXPECT_TRUE(fails([&] { return first_leaks_of(store_, runs_, options, error_); }));
+  fleet_options of_two;
+  of_two.runs = 2;
+  EXPECT_TRUE(fails([&] { return growth_of(store_, runs_, of_two, error_); }));
+  const auto read = [&] { return fleet::fleet_runs().read(store_, "release", error_); };
+  EXPECT_TRUE(read());
+  ASSERT_TRUE(exec("DROP VIEW labels"));
+  EXPECT_TRUE(fails(read));
+  ASSERT_TRUE(exec("CREATE VIEW labels AS SELECT 'r' AS run, 'k' AS key, 'v' AS value"));
+  EXPECT_TRUE(read());
+  ASSERT_TRUE(exec("DROP VIEW fleet_trace"));
+  EXPECT_TRUE(fails(read));
 }
 
 // One line of a small run for each way to change from run to run.
