@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 
+#include "clickhouse/server_url.h"
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
 #include "kivdb/load_tables.h"
@@ -24,7 +25,7 @@ using report::column_kind;
 
 struct import_arguments {
   std::vector<std::string> sources;
-  std::string file;
+  std::optional<std::string> file, server;
   std::optional<std::string> name;
   bool rows = false;
   std::vector<std::string> labels;
@@ -114,6 +115,14 @@ int run_import(const import_arguments& arguments) {
   }
   const rows::row_options options{separator(arguments.sd), separator(arguments.sf)};
   std::string error;
+  if (arguments.file.has_value() == arguments.server.has_value()) {
+    return complain("import needs one of --output FILE and --to URL", status_usage);
+  }
+  const std::string& into = arguments.file ? *arguments.file : *arguments.server;
+  if (clickhouse::is_server_url(into) != arguments.server.has_value()) {
+    return complain("--output takes a file, --to takes clickhouse://host:port/database",
+                    status_usage);
+  }
   store::run_labels labels;
   if (!read_labels(arguments.labels, labels, error)) return complain(error, status_usage);
   found_sources found;
@@ -133,8 +142,8 @@ int run_import(const import_arguments& arguments) {
     run_sources[*arguments.name] = run_sources[runs.front().name];
     runs.front().name = *arguments.name;
   }
-  const auto database = open_target(arguments.file, target_use::import, error);
-  if (!database) return complain_about(arguments.file, error);
+  const auto database = open_target(into, target_use::import, error);
+  if (!database) return complain_about(into, error);
   import_printer printer(arguments.output.style());
   int status = status_done;
   for (const auto& run : runs) {
@@ -144,7 +153,7 @@ int run_import(const import_arguments& arguments) {
     if (result == store::save_result::saved || result == store::save_result::replaced) {
       printer.add(run, result == store::save_result::replaced);
     } else {
-      status = complain_about(arguments.file, "run " + quoted_name(run.name) + ": " + error);
+      status = complain_about(into, "run " + quoted_name(run.name) + ": " + error);
     }
   }
   printer.finish();
@@ -160,7 +169,10 @@ void add_import(program_options& program) {
       program.add_command("import", "Put the profiles of traces into a database",
                           [arguments] { return run_import(*arguments); });
   command.arguments("source", arguments->sources, "Directories of runs, or header files");
-  command.required_option("-o,--output", arguments->file, "Database file; made when there is none");
+  command.option("-o,--output", arguments->file, "Database file; made when there is none");
+  command.option("--to", arguments->server,
+                 "In place of a file: clickhouse://[user[:password]@]host[:port]/database"
+                 "[?cluster=NAME]");
   command.option("--as", arguments->name, "Name of the run, in place of its run id");
   command.repeatable_option("--label", arguments->labels,
                             "A label KEY=VALUE of the runs, such as release=4.2; repeatable",

@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "clickhouse/server_url.h"
 #include "kivdb/messages.h"
 #include "kivdb/open_runs.h"
 #include "profile/profile_trace.h"
@@ -86,7 +87,7 @@ bool load_from_database(const std::string& path, const std::optional<std::string
     return run.has_value();
   };
   if (load()) return true;
-  error = path + ": " + error;
+  error = clickhouse::without_password(path) + ": " + error;
   return false;
 }
 
@@ -158,6 +159,7 @@ bool compute(const std::vector<std::string>& directories, const rows::row_option
 }  // namespace
 
 std::optional<source_kind> kind_of_source(const std::string& path, std::string& error) {
+  if (clickhouse::is_server_url(path)) return source_kind::database;
   struct stat info {};
   if (stat(path.c_str(), &info) != 0) {
     error = path + ": " + std::strerror(errno);
@@ -177,7 +179,7 @@ bool find_sources(const std::vector<std::string>& sources, found_sources& found,
     const auto kind = kind_of_source(source, error);
     if (!kind) return false;
     if (*kind == source_kind::database) {
-      error = source + ": a database; traces are wanted";
+      error = clickhouse::without_password(source) + ": a database; traces are wanted";
       return false;
     }
     if (*kind == source_kind::header) {

@@ -8,8 +8,8 @@
 
 namespace kiv::db {
 
-// Opens what a user wrote as the place of stored runs: the path of a database file. Null, with
-// `error` set, when it cannot be opened; the error does not name the place.
+// Opens what a user wrote as the place of stored runs: the path of a database file, or the URL
+// of a server. Null, with `error` set, when it cannot be opened; the error does not name the place.
 std::unique_ptr<store::run_source> open_runs(const std::string& source, std::string& error);
 
 // What is to be done where runs are stored.

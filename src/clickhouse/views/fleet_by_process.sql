@@ -1,0 +1,6 @@
+-- the groups of blocks of all runs by process, with program and host; several rows may have one name
+SELECT run, import AS import_order, program, host, process_name AS name,
+{{fleet_figures}}
+FROM block_group_stored
+WHERE {{stored}}
+ORDER BY import, trace, place
