@@ -157,10 +157,75 @@ CREATE TABLE block_group (
   PRIMARY KEY (trace, place)
 ) WITHOUT ROWID;
 
--- The few groups that leaked, with all that names them, for questions about many runs.
-CREATE INDEX block_group_leaked
-ON block_group (trace, line, id, color, path, process, query, no_free, left_bytes, live_bytes)
-WHERE CASE no_free WHEN 0 THEN left_bytes + live_bytes ELSE 0 END <> 0;
+-- The groups added up by one of their names, the function being the innermost of the path: far fewer
+-- rows for questions about many runs. Names without bytes have none.
+
+CREATE TABLE sum_by_id (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_color (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place, id)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_line (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_function (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_process (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_query (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
 -- Blocks by size (kind 0) or by lifetime in memory records (kind 1), from 2^exponent on; exponent
 -- -1 stands for 0.
@@ -497,55 +562,48 @@ FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN query_text n ON n.trace = g.trace AND n.place = g.query
 GROUP BY g.trace, g.query;
 
--- the groups of blocks of all runs by colour of an allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by colour of an allocation id, with program and host; several rows may have one name
 CREATE VIEW fleet_by_color AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name || ' / ' || c.name AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_color g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN id_name n ON n.trace = g.trace AND n.place = g.id
-JOIN color_name c ON c.trace = g.trace AND c.place = g.color;
+JOIN color_name c ON c.trace = g.trace AND c.place = g.place;
 
--- the groups of blocks of all runs by innermost function, with program and host; several rows may have one name
+-- bytes of the traces of all runs by innermost function, with program and host; several rows may have one name
 CREATE VIEW fleet_by_function AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN call_path c ON c.trace = g.trace AND c.place = g.path
-JOIN function_name f ON f.trace = g.trace AND f.place = c.function;
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_function g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN function_name f ON f.trace = g.trace AND f.place = g.place;
 
--- the groups of blocks of all runs by allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by allocation id, with program and host; several rows may have one name
 CREATE VIEW fleet_by_id AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN id_name n ON n.trace = g.trace AND n.place = g.id;
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_id g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.place;
 
--- the groups of blocks of all runs by source line, with program and host; several rows may have one name
+-- bytes of the traces of all runs by source line, with program and host; several rows may have one name
 CREATE VIEW fleet_by_line AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN line_name n ON n.trace = g.trace AND n.place = g.line;
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_line g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN line_name n ON n.trace = g.trace AND n.place = g.place;
 
--- the groups of blocks of all runs by process, with program and host; several rows may have one name
+-- bytes of the traces of all runs by process, with program and host; several rows may have one name
 CREATE VIEW fleet_by_process AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN process_name n ON n.trace = g.trace AND n.place = g.process;
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_process g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN process_name n ON n.trace = g.trace AND n.place = g.place;
 
--- the groups of blocks of all runs by SQL statement, with program and host; several rows may have one name
+-- bytes of the traces of all runs by SQL statement, with program and host; several rows may have one name
 CREATE VIEW fleet_by_query AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.text AS name,
-g.made_bytes AS allocated_bytes, CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END AS leaked_bytes, g.live_bytes, g.peak_bytes,
-  g.temporary_bytes
-FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
-JOIN query_text n ON n.trace = g.trace AND n.place = g.query;
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_query g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN query_text n ON n.trace = g.trace AND n.place = g.place;
 
 -- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
 CREATE VIEW fleet_summary AS
@@ -554,8 +612,7 @@ WITH one AS (  -- of a run and a program
   FROM (SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
   CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
     THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
-  COALESCE((SELECT SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) FROM block_group g
-    WHERE g.trace = t.trace AND CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END <> 0), 0) AS leaked_bytes
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
 FROM trace t JOIN run r ON r.run = t.run) GROUP BY import_order, run, program
 ), named AS (
   SELECT o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
@@ -579,8 +636,7 @@ CREATE VIEW fleet_trace AS
 SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
   CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
     THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
-  COALESCE((SELECT SUM(CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END) FROM block_group g
-    WHERE g.trace = t.trace AND CASE g.no_free WHEN 0 THEN g.left_bytes + g.live_bytes ELSE 0 END <> 0), 0) AS leaked_bytes
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
 FROM trace t JOIN run r ON r.run = t.run;
 
 -- growth of the heap and gaps in it, by process and call path

@@ -38,8 +38,8 @@ int kivdb_main(int argc, char** argv) {
       "4 a limit was given for a run that is not complete.\n"
       "`kivdb COMMAND --help` has an example for each command.");
   for (const auto add :
-       {add_report, add_tree, add_diff, add_html, add_export, add_import, add_trend, add_runs,
-        add_forget, add_show, add_views, add_sql, add_schema, add_setup, add_prune}) {
+       {add_report, add_tree, add_diff, add_html, add_export, add_import, add_trend, add_fleet,
+        add_runs, add_forget, add_show, add_views, add_sql, add_schema, add_setup, add_prune}) {
     add(program);
   }
   if (const char* before = empty_argument(argc, argv)) {

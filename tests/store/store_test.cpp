@@ -114,7 +114,7 @@ TEST_F(Store, KnowsTheOrderOfImports) {
 
 // Labels are those of the last import under a name, in the order of their keys.
 TEST_F(Store, KeepsTheLabelsOfRuns) {
-  const std::string odd("it's \xff\n=\t\\\0;", 13);
+  const std::string odd("it's \xff\n=\t\\\0;", 12);
   const auto labels_of = [&](const std::string& name) -> store::run_labels {
     run_store s;
     if (!s.open(file(), open_mode::read_only, error_)) return {{"!", error_}};

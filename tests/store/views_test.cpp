@@ -139,6 +139,23 @@ TEST_F(StoreViews, ShowNamesAsTexts) {
   for (const auto& c : cases) EXPECT_EQ(rows(c.sql), c.expected) << c.sql;
 }
 
+// Blocks of several ids may have the unknown colour.
+TEST_F(StoreViews, ColoursAreThoseOfTheirId) {
+  run_profile run = small_run("R", 5);
+  profile& p = run.traces[0];
+  block_group g;
+  g[figure::made] = g[figure::at_peak] = {1, 7, 8};
+  p.groups.push_back(g);
+  g[figure::made] = g[figure::at_peak] = {0, 0, 0};
+  g.id = 1;
+  p.groups.push_back(g);
+  ASSERT_EQ(save(run), save_result::saved);
+  EXPECT_EQ(rows("SELECT name, allocated_bytes, leaked_bytes, peak_bytes FROM fleet_by_color"),
+            (texts{"unknown id / unknown colour|7|0|7", "cache / unknown colour|5|5|0"}));
+  EXPECT_EQ(rows("SELECT id_name, allocated_bytes FROM by_color ORDER BY 2 DESC"),
+            (texts{"unknown id|7", "cache|5"}));
+}
+
 // The text of a path is bounded, and so is the time for all of them.
 TEST_F(StoreViews, BoundTheTextsOfDeepPaths) {
   auto p = rich_profile("R", 7);

@@ -157,10 +157,75 @@ CREATE TABLE block_group (
   PRIMARY KEY (trace, place)
 ) WITHOUT ROWID;
 
--- The few groups that leaked, with all that names them, for questions about many runs.
-CREATE INDEX block_group_leaked
-ON block_group (trace, line, id, color, path, process, query, no_free, left_bytes, live_bytes)
-WHERE CASE no_free WHEN 0 THEN left_bytes + live_bytes ELSE 0 END <> 0;
+-- The groups added up by one of their names, the function being the innermost of the path: far fewer
+-- rows for questions about many runs. Names without bytes have none.
+
+CREATE TABLE sum_by_id (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_color (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place, id)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_line (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_function (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_process (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_query (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
 
 -- Blocks by size (kind 0) or by lifetime in memory records (kind 1), from 2^exponent on; exponent
 -- -1 stands for 0.

@@ -1,5 +1,5 @@
--- the groups of blocks of all runs by SQL statement, with program and host; several rows may have one name
+-- bytes of the traces of all runs by SQL statement, with program and host; several rows may have one name
 SELECT {{fleet_place}}, n.text AS name,
 {{fleet_figures}}
-FROM block_group g {{of_trace}}
-JOIN query_text n ON n.trace = g.trace AND n.place = g.query
+FROM sum_by_query g {{of_trace}}
+JOIN query_text n ON n.trace = g.trace AND n.place = g.place
