@@ -29,7 +29,7 @@ CREATE TABLE IF NOT EXISTS import_stored (
   label_values Array(String)
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import);
 
-CREATE TABLE IF NOT EXISTS import_all AS import_stored
+CREATE TABLE IF NOT EXISTS import_everywhere AS import_stored
 ENGINE = Distributed('kiv', 'kiv', 'import_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS trace_stored (
@@ -84,7 +84,7 @@ CREATE TABLE IF NOT EXISTS trace_stored (
   total_resizes Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace);
 
-CREATE TABLE IF NOT EXISTS trace_all AS trace_stored
+CREATE TABLE IF NOT EXISTS trace_everywhere AS trace_stored
 ENGINE = Distributed('kiv', 'kiv', 'trace_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS block_group_stored (
@@ -93,8 +93,6 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   trace Int64,
   place Int64,
   pid Int64,
-  program String,
-  host String,
   function_place Int64,
   id_name String,
   color_name String,
@@ -140,8 +138,28 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   temporary_tot_bytes Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace, place);
 
-CREATE TABLE IF NOT EXISTS block_group_all AS block_group_stored
+CREATE TABLE IF NOT EXISTS block_group_everywhere AS block_group_stored
 ENGINE = Distributed('kiv', 'kiv', 'block_group_stored', cityHash64(run));
+
+-- What the groups of a name hold together, by the kind of name first: for questions about all runs.
+CREATE TABLE IF NOT EXISTS name_sum_stored (
+  run String,
+  import Int64,
+  key String,
+  trace Int64,
+  place Int64,
+  program String,
+  host String,
+  name String,
+  allocated_bytes Int64,
+  leaked_bytes Int64,
+  live_bytes Int64,
+  peak_bytes Int64,
+  temporary_bytes Int64
+) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (key, run, import, trace, place);
+
+CREATE TABLE IF NOT EXISTS name_sum_everywhere AS name_sum_stored
+ENGINE = Distributed('kiv', 'kiv', 'name_sum_stored', cityHash64(run));
 
 -- The other lists of a profile: the members of an entry that are numbers, and those that are texts.
 CREATE TABLE IF NOT EXISTS list_stored (
@@ -155,7 +173,7 @@ CREATE TABLE IF NOT EXISTS list_stored (
   texts Array(String)
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, list, trace, place);
 
-CREATE TABLE IF NOT EXISTS list_all AS list_stored
+CREATE TABLE IF NOT EXISTS list_everywhere AS list_stored
 ENGINE = Distributed('kiv', 'kiv', 'list_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS memory_stored (
@@ -249,7 +267,7 @@ CREATE TABLE IF NOT EXISTS memory_stored (
   gap_count Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, rec);
 
-CREATE TABLE IF NOT EXISTS memory_all AS memory_stored
+CREATE TABLE IF NOT EXISTS memory_everywhere AS memory_stored
 ENGINE = Distributed('kiv', 'kiv', 'memory_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS sbrk_stored (
@@ -281,7 +299,7 @@ CREATE TABLE IF NOT EXISTS sbrk_stored (
   gap_count Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
-CREATE TABLE IF NOT EXISTS sbrk_all AS sbrk_stored
+CREATE TABLE IF NOT EXISTS sbrk_everywhere AS sbrk_stored
 ENGINE = Distributed('kiv', 'kiv', 'sbrk_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS queryevents_stored (
@@ -311,7 +329,7 @@ CREATE TABLE IF NOT EXISTS queryevents_stored (
   query_seq Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS queryevents_all AS queryevents_stored
+CREATE TABLE IF NOT EXISTS queryevents_everywhere AS queryevents_stored
 ENGINE = Distributed('kiv', 'kiv', 'queryevents_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS marker_stored (
@@ -327,7 +345,7 @@ CREATE TABLE IF NOT EXISTS marker_stored (
   marker_text String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, rec);
 
-CREATE TABLE IF NOT EXISTS marker_all AS marker_stored
+CREATE TABLE IF NOT EXISTS marker_everywhere AS marker_stored
 ENGINE = Distributed('kiv', 'kiv', 'marker_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS freemem_stored (
@@ -339,7 +357,7 @@ CREATE TABLE IF NOT EXISTS freemem_stored (
   type String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, alloc_rec);
 
-CREATE TABLE IF NOT EXISTS freemem_all AS freemem_stored
+CREATE TABLE IF NOT EXISTS freemem_everywhere AS freemem_stored
 ENGINE = Distributed('kiv', 'kiv', 'freemem_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS arena_stored (
@@ -366,7 +384,7 @@ CREATE TABLE IF NOT EXISTS arena_stored (
   freed Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
-CREATE TABLE IF NOT EXISTS arena_all AS arena_stored
+CREATE TABLE IF NOT EXISTS arena_everywhere AS arena_stored
 ENGINE = Distributed('kiv', 'kiv', 'arena_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS arcs_stored (
@@ -385,7 +403,7 @@ CREATE TABLE IF NOT EXISTS arcs_stored (
   callee_function_name String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS arcs_all AS arcs_stored
+CREATE TABLE IF NOT EXISTS arcs_everywhere AS arcs_stored
 ENGINE = Distributed('kiv', 'kiv', 'arcs_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS symbols_stored (
@@ -402,7 +420,7 @@ CREATE TABLE IF NOT EXISTS symbols_stored (
   declaration String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS symbols_all AS symbols_stored
+CREATE TABLE IF NOT EXISTS symbols_everywhere AS symbols_stored
 ENGINE = Distributed('kiv', 'kiv', 'symbols_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS flowdata_stored (
@@ -417,7 +435,7 @@ CREATE TABLE IF NOT EXISTS flowdata_stored (
   symbol_lines String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS flowdata_all AS flowdata_stored
+CREATE TABLE IF NOT EXISTS flowdata_everywhere AS flowdata_stored
 ENGINE = Distributed('kiv', 'kiv', 'flowdata_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS flow_stored (
@@ -432,7 +450,7 @@ CREATE TABLE IF NOT EXISTS flow_stored (
   direction String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid, record);
 
-CREATE TABLE IF NOT EXISTS flow_all AS flow_stored
+CREATE TABLE IF NOT EXISTS flow_everywhere AS flow_stored
 ENGINE = Distributed('kiv', 'kiv', 'flow_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS process_stored (
@@ -450,7 +468,7 @@ CREATE TABLE IF NOT EXISTS process_stored (
   end_record Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS process_all AS process_stored
+CREATE TABLE IF NOT EXISTS process_everywhere AS process_stored
 ENGINE = Distributed('kiv', 'kiv', 'process_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS hashloc_stored (
@@ -461,7 +479,7 @@ CREATE TABLE IF NOT EXISTS hashloc_stored (
   source_line String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS hashloc_all AS hashloc_stored
+CREATE TABLE IF NOT EXISTS hashloc_everywhere AS hashloc_stored
 ENGINE = Distributed('kiv', 'kiv', 'hashloc_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS malid_stored (
@@ -481,7 +499,7 @@ CREATE TABLE IF NOT EXISTS malid_stored (
   end_record Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS malid_all AS malid_stored
+CREATE TABLE IF NOT EXISTS malid_everywhere AS malid_stored
 ENGINE = Distributed('kiv', 'kiv', 'malid_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS color_stored (
@@ -493,7 +511,7 @@ CREATE TABLE IF NOT EXISTS color_stored (
   color_name String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS color_all AS color_stored
+CREATE TABLE IF NOT EXISTS color_everywhere AS color_stored
 ENGINE = Distributed('kiv', 'kiv', 'color_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS queries_stored (
@@ -509,7 +527,7 @@ CREATE TABLE IF NOT EXISTS queries_stored (
   query_text String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS queries_all AS queries_stored
+CREATE TABLE IF NOT EXISTS queries_everywhere AS queries_stored
 ENGINE = Distributed('kiv', 'kiv', 'queries_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS runs_stored (
@@ -529,7 +547,7 @@ CREATE TABLE IF NOT EXISTS runs_stored (
   m_group_size Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS runs_all AS runs_stored
+CREATE TABLE IF NOT EXISTS runs_everywhere AS runs_stored
 ENGINE = Distributed('kiv', 'kiv', 'runs_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS objects_stored (
@@ -540,7 +558,7 @@ CREATE TABLE IF NOT EXISTS objects_stored (
   object_name String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS objects_all AS objects_stored
+CREATE TABLE IF NOT EXISTS objects_everywhere AS objects_stored
 ENGINE = Distributed('kiv', 'kiv', 'objects_stored', cityHash64(run));
 
 CREATE TABLE IF NOT EXISTS functions_stored (
@@ -553,7 +571,7 @@ CREATE TABLE IF NOT EXISTS functions_stored (
   function_name String
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, main_pid);
 
-CREATE TABLE IF NOT EXISTS functions_all AS functions_stored
+CREATE TABLE IF NOT EXISTS functions_everywhere AS functions_stored
 ENGINE = Distributed('kiv', 'kiv', 'functions_stored', cityHash64(run));
 
 -- The loads that count.
@@ -1104,62 +1122,62 @@ GROUP BY run, import, trace, pid, query_place, query_text;
 CREATE TABLE IF NOT EXISTS by_query AS by_query_shard
 ENGINE = Distributed('kiv', 'kiv', 'by_query_shard');
 
--- the groups of blocks of all runs by colour of an allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by colour of an allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_color_shard AS
-SELECT run, import AS import_order, program, host, concat(id_name, ' / ', color_name) AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'color';
 
 CREATE TABLE IF NOT EXISTS fleet_by_color AS fleet_by_color_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_color_shard');
 
--- the groups of blocks of all runs by innermost function, with program and host; several rows may have one name
+-- bytes of the traces of all runs by innermost function, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_function_shard AS
-SELECT run, import AS import_order, program, host, function_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'function';
 
 CREATE TABLE IF NOT EXISTS fleet_by_function AS fleet_by_function_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_function_shard');
 
--- the groups of blocks of all runs by allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_id_shard AS
-SELECT run, import AS import_order, program, host, id_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'id';
 
 CREATE TABLE IF NOT EXISTS fleet_by_id AS fleet_by_id_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_id_shard');
 
--- the groups of blocks of all runs by source line, with program and host; several rows may have one name
+-- bytes of the traces of all runs by source line, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_line_shard AS
-SELECT run, import AS import_order, program, host, line_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'line';
 
 CREATE TABLE IF NOT EXISTS fleet_by_line AS fleet_by_line_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_line_shard');
 
--- the groups of blocks of all runs by process, with program and host; several rows may have one name
+-- bytes of the traces of all runs by process, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_process_shard AS
-SELECT run, import AS import_order, program, host, process_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'process';
 
 CREATE TABLE IF NOT EXISTS fleet_by_process AS fleet_by_process_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_process_shard');
 
--- the groups of blocks of all runs by SQL statement, with program and host; several rows may have one name
+-- bytes of the traces of all runs by SQL statement, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_query_shard AS
-SELECT run, import AS import_order, program, host, query_text AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'query';
 
 CREATE TABLE IF NOT EXISTS fleet_by_query AS fleet_by_query_shard
 ENGINE = Distributed('kiv', 'kiv', 'fleet_by_query_shard');
@@ -1173,7 +1191,7 @@ SELECT program, release, toInt64(count()) AS runs,
   arraySort(groupArray(leaked))[toInt64(intDiv(count() * 95, 100)) + 1] AS p95_leaked_bytes
 FROM (
   SELECT import, run, program, release, sum(peak_bytes) AS peak, sum(total_leaked_bytes) AS leaked
-  FROM trace_all WHERE import IN (SELECT import FROM newest_import) GROUP BY import, run, program, release
+  FROM trace_everywhere WHERE import IN (SELECT import FROM newest_import) GROUP BY import, run, program, release
 )
 GROUP BY program, release;
 
@@ -1300,7 +1318,7 @@ CREATE TABLE IF NOT EXISTS run_list AS run_list_shard
 ENGINE = Distributed('kiv', 'kiv', 'run_list_shard');
 
 -- who, when and how much, per trace of a run
-CREATE VIEW IF NOT EXISTS run_summary AS
+CREATE VIEW IF NOT EXISTS run_summary_shard AS
 SELECT run, pid, program, environment, account, host, user, description, start_time, end_time, complete,
   from_rows, records, heap_bytes, gap_bytes, peak_record, peak_time,
 total_allocated_blocks AS allocated_blocks,
@@ -1330,6 +1348,9 @@ total_allocated_blocks AS allocated_blocks,
   total_resizes AS resizes
 FROM trace_stored
 WHERE import IN (SELECT import FROM newest_import);
+
+CREATE TABLE IF NOT EXISTS run_summary AS run_summary_shard
+ENGINE = Distributed('kiv', 'kiv', 'run_summary_shard');
 
 -- blocks by the size that they were made with
 CREATE VIEW IF NOT EXISTS sizes_shard AS

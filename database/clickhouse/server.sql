@@ -87,8 +87,6 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   trace Int64,
   place Int64,
   pid Int64,
-  program String,
-  host String,
   function_place Int64,
   id_name String,
   color_name String,
@@ -133,6 +131,23 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   temporary_bytes Int64,
   temporary_tot_bytes Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace, place);
+
+-- What the groups of a name hold together, by the kind of name first: for questions about all runs.
+CREATE TABLE IF NOT EXISTS name_sum_stored (
+  run String,
+  import Int64,
+  key String,
+  trace Int64,
+  place Int64,
+  program String,
+  host String,
+  name String,
+  allocated_bytes Int64,
+  leaked_bytes Int64,
+  live_bytes Int64,
+  peak_bytes Int64,
+  temporary_bytes Int64
+) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (key, run, import, trace, place);
 
 -- The other lists of a profile: the members of an entry that are numbers, and those that are texts.
 CREATE TABLE IF NOT EXISTS list_stored (
@@ -912,47 +927,47 @@ FROM block_group_stored
 WHERE import IN (SELECT import FROM newest_import)
 GROUP BY run, import, trace, pid, query_place, query_text;
 
--- the groups of blocks of all runs by colour of an allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by colour of an allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_color AS
-SELECT run, import AS import_order, program, host, concat(id_name, ' / ', color_name) AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'color';
 
--- the groups of blocks of all runs by innermost function, with program and host; several rows may have one name
+-- bytes of the traces of all runs by innermost function, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_function AS
-SELECT run, import AS import_order, program, host, function_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'function';
 
--- the groups of blocks of all runs by allocation id, with program and host; several rows may have one name
+-- bytes of the traces of all runs by allocation id, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_id AS
-SELECT run, import AS import_order, program, host, id_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'id';
 
--- the groups of blocks of all runs by source line, with program and host; several rows may have one name
+-- bytes of the traces of all runs by source line, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_line AS
-SELECT run, import AS import_order, program, host, line_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'line';
 
--- the groups of blocks of all runs by process, with program and host; several rows may have one name
+-- bytes of the traces of all runs by process, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_process AS
-SELECT run, import AS import_order, program, host, process_name AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'process';
 
--- the groups of blocks of all runs by SQL statement, with program and host; several rows may have one name
+-- bytes of the traces of all runs by SQL statement, with program and host; several rows may have one name
 CREATE VIEW IF NOT EXISTS fleet_by_query AS
-SELECT run, import AS import_order, program, host, query_text AS name,
-made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes
-FROM block_group_stored
-WHERE import IN (SELECT import FROM newest_import);
+SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked_bytes, live_bytes,
+  peak_bytes, temporary_bytes
+FROM name_sum_stored
+WHERE import IN (SELECT import FROM newest_import) AND key = 'query';
 
 -- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
 CREATE VIEW IF NOT EXISTS fleet_summary AS
@@ -1057,9 +1072,9 @@ WHERE import IN (SELECT import FROM newest_import);
 CREATE VIEW IF NOT EXISTS run_summary AS
 SELECT run, pid, program, environment, account, host, user, description, start_time, end_time, complete,
   from_rows, records, heap_bytes, gap_bytes, peak_record, peak_time,
-total_storedocated_blocks AS allocated_blocks,
-  total_storedocated_bytes AS allocated_bytes,
-  total_storedocated_tot_bytes AS allocated_tot_bytes,
+total_allocated_blocks AS allocated_blocks,
+  total_allocated_bytes AS allocated_bytes,
+  total_allocated_tot_bytes AS allocated_tot_bytes,
   total_freed_blocks AS freed_blocks,
   total_freed_bytes AS freed_bytes,
   total_freed_tot_bytes AS freed_tot_bytes,

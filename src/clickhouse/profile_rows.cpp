@@ -4,6 +4,7 @@
 #include <concepts>
 
 #include "clickhouse/path_texts.h"
+#include "store/name_sums.h"
 #include "store/profile_columns.h"
 
 namespace kiv::clickhouse {
@@ -37,6 +38,15 @@ sums sums_of(const profile& p) {
     made.leaked += group.leaked();
   }
   return made;
+}
+
+// The name that a place stands for.
+std::string name_of_sum(const profile& p, std::string_view key, const store::name_sum& sum) {
+  if (key == "id") return p.ids[sum.place].name;
+  if (key == "color") return p.ids[sum.id].name + " / " + p.colors[sum.place].name;
+  if (key == "line") return p.lines[sum.place];
+  if (key == "function") return function_text(p.functions[sum.place]);
+  return key == "process" ? p.processes[sum.place].name : p.queries[sum.place];
 }
 
 std::string_view release_of(const store::run_labels& labels) {
@@ -136,12 +146,30 @@ std::string block_group_rows(const load_id& load, const run_profile& run) {
       const block_group g = p.groups[place];
       const std::uint32_t function = p.paths[g.path].function;
       const profile_process& process = p.processes[g.process];
-      row(std::string(load.run), load.import, i, place, p.pid, p.program, p.host, function,
-          p.ids[g.id].name, p.colors[g.color].name, p.lines[g.line],
-          function_text(p.functions[function]), process.pid, process.name, p.queries[g.query],
-          g.leaked(), g.no_free, g.id, g.color, g.line, g.path, g.process, g.query, g.resizes);
+      row(std::string(load.run), load.import, i, place, p.pid, function, p.ids[g.id].name,
+          p.colors[g.color].name, p.lines[g.line], function_text(p.functions[function]),
+          process.pid, process.name, p.queries[g.query], g.leaked(), g.no_free, g.id, g.color,
+          g.line, g.path, g.process, g.query, g.resizes);
       for (const auto& figure : g.figures) row(figure);
       out.end_row();
+    }
+  }
+  return out.take();
+}
+
+std::string name_sum_rows(const load_id& load, const run_profile& run) {
+  tsv_writer out;
+  row_adder row(out);
+  for (std::size_t i = 0; i < run.traces.size(); ++i) {
+    const profile& p = run.traces[i];
+    const store::name_sums by_name(p);
+    for (const auto& [key, sums] : by_name.lists()) {
+      for (std::size_t place = 0; place < sums.size(); ++place) {
+        row(std::string(load.run), load.import, key, i, place, p.program, p.host,
+            name_of_sum(p, key, sums[place]));
+        for (const auto bytes : sums[place].bytes) row(bytes);
+        out.end_row();
+      }
     }
   }
   return out.take();

@@ -35,6 +35,7 @@ server_failure server_store::send(const run_profile& run, const store::save_opti
   std::optional<std::uint64_t> row_count;
   bool done = insert("list_stored", list_rows(load, run)) &&
               insert("block_group_stored", block_group_rows(load, run)) &&
+              insert("name_sum_stored", name_sum_rows(load, run)) &&
               insert("trace_stored", trace_rows(load, run, options.labels));
   if (done && options.rows) {
     row_inserter target(pool_, url, load);

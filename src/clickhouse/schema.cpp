@@ -18,7 +18,8 @@ std::span<const embedded_text> clickhouse_views();
 namespace kiv::clickhouse {
 namespace {
 
-constexpr std::string_view stored_suffix = "_stored", all_suffix = "_everywhere", shard_suffix = "_shard";
+constexpr std::string_view stored_suffix = "_stored", all_suffix = "_everywhere",
+                           shard_suffix = "_shard";
 constexpr std::string_view newest = "import IN (SELECT import FROM newest_import)";
 
 // The newest loads of runs that were not deleted. Each shard has those of its own runs.
@@ -186,7 +187,7 @@ std::string select_of_view(std::string_view view, std::string_view database,
   const auto where = sql.find(newest);
   if (where != std::string::npos) sql.replace(where, newest.size(), which);
   // Behind FROM alone, since a name of a run may hold anything.
-  for (const std::string_view table : {"block_group", "list", "trace", "import"}) {
+  for (const std::string_view table : {"block_group", "list", "name_sum", "trace", "import"}) {
     for (const std::string_view suffix : {stored_suffix, all_suffix}) {
       const std::string from = "FROM " + std::string(table) + std::string(suffix);
       const auto at = sql.find(from);

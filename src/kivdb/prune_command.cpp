@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <iostream>
 #include <memory>
@@ -7,6 +5,7 @@
 #include "clickhouse/prune.h"
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/shared_options.h"
 
 namespace kiv::db {
 namespace {
@@ -16,9 +15,12 @@ constexpr std::size_t hours_of_a_day = 24, most_hours = 100'000;
 struct prune_arguments {
   std::vector<std::string> servers;
   std::optional<std::size_t> hours;
+  output_options output;
 };
 
 int run_prune(const prune_arguments& arguments) {
+  report::table_printer table(std::cout, {{"server", "server"}, {"loads", "loads deleted"}},
+                              arguments.output.style());
   const auto hours =
       static_cast<std::int64_t>(std::min(arguments.hours.value_or(hours_of_a_day), most_hours));
   for (const auto& text : arguments.servers) {
@@ -26,9 +28,9 @@ int run_prune(const prune_arguments& arguments) {
     const auto url = clickhouse::parse_server_url(text, error);
     const auto pruned = url ? clickhouse::prune(*url, hours, error) : std::nullopt;
     if (!pruned) return complain_about(text, error);
-    std::cout << fmt::format("{}: rows of {} {} deleted\n", clickhouse::without_password(text),
-                             *pruned, *pruned == 1 ? "load" : "loads");
+    table.add({clickhouse::without_password(text), std::uint64_t{*pruned}});
   }
+  table.finish();
   return finish_output();
 }
 
@@ -44,6 +46,7 @@ void add_prune(program_options& program) {
       "clickhouse://[user[:password]@]host[:port]/database; of a cluster every server");
   command.count("--hours", arguments->hours,
                 "Loads without an end count as cut off after so many hours (24 unless told)");
+  arguments->output.add_to(command);
   command.example("kivdb prune clickhouse://a.lan/kiv clickhouse://b.lan/kiv");
 }
 

@@ -65,7 +65,7 @@ TEST(ClickHouseSchema, QuotesTheClusterAndKeepsEveryTableOnce) {
   EXPECT_NE(sql.find("Distributed('it\\'s', 'd\\'b'"), std::string::npos);
   EXPECT_EQ(schema_sql("", "d").find("Distributed"), std::string::npos);
   EXPECT_EQ(schema_sql("", "d").find("_everywhere"), std::string::npos);
-  EXPECT_EQ(stored_tables().size(), 4u + 18u);
+  EXPECT_EQ(stored_tables().size(), 5u + 18u);
 }
 
 }  // namespace

@@ -459,14 +459,16 @@ TEST_F(Kivdb, ExportsAddUpAsTheReportDoes) {
 }
 
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
-  for (const std::string command : {"import", "report", "tree", "diff", "html", "export", "trend",
-                                    "fleet", "runs", "forget", "show", "views", "sql"}) {
+  for (const std::string command :
+       {"import", "report", "tree", "diff", "html", "export", "trend", "fleet", "runs", "forget",
+        "show", "views", "sql", "schema", "setup", "prune"}) {
     const auto run = kivdb(command + " --help");
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("Example: kivdb " + command), std::string::npos) << run.out;
-    const bool has_formats_of_its_own = command == "export";
-    EXPECT_NE(run.out.find(has_formats_of_its_own ? "--format" : "--json"), std::string::npos)
-        << command;
+    const char* output = command == "export"   ? "--format"
+                         : command == "schema" ? "--cluster"
+                                               : "--json";
+    EXPECT_NE(run.out.find(output), std::string::npos) << command;
   }
   EXPECT_EQ(kivdb("--version").out.substr(0, 6), "kivdb ");
 }

@@ -95,6 +95,3 @@ if(numbers[4] < 0, toInt64(0), bitShiftLeft(toInt64(1), toUInt8(greatest(numbers
 
 -- to_power:
 if(numbers[4] < 0, toInt64(0), bitShiftLeft(toInt64(2), toUInt8(greatest(numbers[4], 0))) - 1)
-
--- fleet_figures:
-  made_bytes AS allocated_bytes, leaked_bytes, live_bytes, peak_bytes, temporary_bytes

@@ -88,8 +88,6 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   trace Int64,
   place Int64,
   pid Int64,
-  program String,
-  host String,
   function_place Int64,
   id_name String,
   color_name String,
@@ -134,6 +132,23 @@ CREATE TABLE IF NOT EXISTS block_group_stored (
   temporary_bytes Int64,
   temporary_tot_bytes Int64
 ) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (run, import, trace, place);
+
+-- What the groups of a name hold together, by the kind of name first: for questions about all runs.
+CREATE TABLE IF NOT EXISTS name_sum_stored (
+  run String,
+  import Int64,
+  key String,
+  trace Int64,
+  place Int64,
+  program String,
+  host String,
+  name String,
+  allocated_bytes Int64,
+  leaked_bytes Int64,
+  live_bytes Int64,
+  peak_bytes Int64,
+  temporary_bytes Int64
+) ENGINE = MergeTree PARTITION BY sipHash64(run) % 16 ORDER BY (key, run, import, trace, place);
 
 -- The other lists of a profile: the members of an entry that are numbers, and those that are texts.
 CREATE TABLE IF NOT EXISTS list_stored (
