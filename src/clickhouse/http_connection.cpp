@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <mutex>
 
 namespace kiv::clickhouse {
@@ -40,6 +41,8 @@ struct http_connection::state {
   curl_slist* headers = nullptr;
   std::string target;  // of the present request
   std::string body, exception_code, failure;
+  std::chrono::steady_clock::time_point last_life;
+  curl_off_t bytes_seen = 0;
   bool active = false, done = true, sent = false, answered = false;
   char message[CURL_ERROR_SIZE] = {};
 
@@ -80,11 +83,24 @@ struct http_connection::state {
     curl_easy_getinfo(easy, CURLINFO_REQUEST_SIZE, &sent_bytes);
     sent = sent_bytes > 0;
     if (result == CURLE_OPERATION_TIMEDOUT) {
-      failure = (sent ? "no sign of life for " : "no connection within ") +
-                std::to_string(url.timeout) + " s";
+      failure = "no connection within " + std::to_string(url.timeout) + " s";
     } else {
       failure = message[0] != '\0' ? message : curl_easy_strerror(result);
     }
+  }
+
+  // Ends the request when nothing has moved in either direction for too long.
+  void watch() {
+    curl_off_t up = 0, down = 0;
+    curl_easy_getinfo(easy, CURLINFO_SIZE_UPLOAD_T, &up);
+    curl_easy_getinfo(easy, CURLINFO_SIZE_DOWNLOAD_T, &down);
+    const auto now = std::chrono::steady_clock::now();
+    if (up + down != bytes_seen) last_life = now;
+    bytes_seen = up + down;
+    if (done || now - last_life < std::chrono::seconds(url.timeout)) return;
+    done = sent = true;
+    failure = "no sign of life for " + std::to_string(url.timeout) + " s";
+    stop();
   }
 
   // Goes on with the request until something came or it ended.
@@ -99,8 +115,9 @@ struct http_connection::state {
     while (const CURLMsg* note = curl_multi_info_read(multi, &left)) {
       if (note->msg == CURLMSG_DONE) note_end(note->data.result);
     }
-    constexpr int longest_wait = 1000;  // ms
+    constexpr int longest_wait = 250;  // ms
     if (!done && body.empty()) curl_multi_poll(multi, nullptr, 0, longest_wait, nullptr);
+    watch();
   }
 };
 
@@ -126,8 +143,6 @@ http_connection::http_connection(const server_url& url) : state_(std::make_uniqu
   curl_easy_setopt(e, CURLOPT_BUFFERSIZE, 262'144L);
   curl_easy_setopt(e, CURLOPT_UPLOAD_BUFFERSIZE, 262'144L);
   curl_easy_setopt(e, CURLOPT_CONNECTTIMEOUT, static_cast<long>(url.timeout));
-  curl_easy_setopt(e, CURLOPT_LOW_SPEED_LIMIT, 1L);
-  curl_easy_setopt(e, CURLOPT_LOW_SPEED_TIME, static_cast<long>(url.timeout));
   curl_easy_setopt(e, CURLOPT_WRITEFUNCTION, state::take_body);
   curl_easy_setopt(e, CURLOPT_WRITEDATA, &s);
   curl_easy_setopt(e, CURLOPT_HEADERFUNCTION, state::take_header);
@@ -149,6 +164,8 @@ bool http_connection::post(const http_parameters& parameters, std::string_view b
   s.exception_code.clear();
   s.failure.clear();
   s.message[0] = '\0';
+  s.last_life = std::chrono::steady_clock::now();
+  s.bytes_seen = 0;
   s.done = s.sent = s.answered = false;
   s.target = (s.url.secure ? "https://" : "http://") + s.url.address() + "/";
   char separator = '?';

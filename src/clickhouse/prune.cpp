@@ -23,7 +23,7 @@ class pruner {
 
   // What a SELECT of one column finds.
   bool find(const std::string& sql, imports& found) {
-    result_cursor rows(server_, sql);
+    result_cursor rows(server_, sql, "n");
     while (rows.step()) found.insert(rows.integer(0));
     if (rows.failed()) error_ = rows.error();
     return !rows.failed();
@@ -47,7 +47,8 @@ class pruner {
       result_cursor left(server_,
                          "SELECT count() AS left FROM system.mutations WHERE is_done = 0 "
                          "AND database = " +
-                             text_literal(url_.database));
+                             text_literal(url_.database),
+                         "n");
       const bool done = left.step() && left.integer(0) == 0;
       while (left.step()) {
       }

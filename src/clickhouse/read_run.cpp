@@ -136,7 +136,7 @@ std::string select_of_load(const server_url& url, const load_id& load) {
 std::optional<run_profile> read_run(server& from, const load_id& load, std::size_t traces,
                                     std::string& error) {
   std::map<std::int64_t, stored_lists> by_trace;
-  result_cursor rows(from, select_of_load(from.url(), load));
+  result_cursor rows(from, select_of_load(from.url(), load), "tnntt");
   bool fits = true;
   while (rows.step()) {
     stored_entry& entry = by_trace[rows.integer(1)][std::string(rows.text(0))].emplace_back();

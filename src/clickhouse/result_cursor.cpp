@@ -1,5 +1,6 @@
 #include "clickhouse/result_cursor.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -21,6 +22,12 @@ value_type type_of(std::string_view name) {
   return name.starts_with("Float") ? value_type::real : value_type::text;
 }
 
+// Whether it may be the name of a type at all.
+bool is_type(std::string_view name) {
+  const auto may_stand = [](char c) { return c >= ' ' && c < 0x7f && c != '<' && c != '>'; };
+  return !name.empty() && name[0] >= 'A' && name[0] <= 'Z' && std::ranges::all_of(name, may_stand);
+}
+
 template <class Number>
 bool read_whole(std::string_view text, Number& into) {
   const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), into);
@@ -31,19 +38,34 @@ bool read_whole(std::string_view text, Number& into) {
 
 result_cursor::result_cursor(const server_url& url, std::string_view sql)
     : own_(std::make_unique<server>(url)), server_(*own_) {
-  begin(sql);
+  begin(sql, false);
 }
 
-result_cursor::result_cursor(server& shared, std::string_view sql) : server_(shared) { begin(sql); }
+result_cursor::result_cursor(server& shared, std::string_view sql, std::string_view types,
+                             bool patient)
+    : server_(shared) {
+  begin(sql, patient);
+  if (!failure_) expect(types);
+}
 
-void result_cursor::begin(std::string_view sql) {
-  failure_ = server_.select(sql);
+void result_cursor::expect(std::string_view types) {
+  bool same = types.size() == columns_.size();
+  for (std::size_t i = 0; same && i < types.size(); ++i) {
+    same = (types[i] == 'n') == (columns_[i].type == value_type::integer);
+  }
+  if (!same) fail("gives an answer to something else; is it a ClickHouse server?");
+}
+
+void result_cursor::begin(std::string_view sql, bool patient) {
+  failure_ = server_.select(sql, patient);
   if (failure_) return;
   if (!next_line()) return fail("gives no answer; is it a ClickHouse server?");
   for (const auto& f : reader_.read(line_)) columns_.push_back({std::string(f.text)});
   if (!next_line()) return fail("gives an answer without types; is it a ClickHouse server?");
   const auto& types = reader_.read(line_);
-  if (types.size() != columns_.size()) {
+  const bool are_types =
+      std::ranges::all_of(types, [](const tsv_field& f) { return is_type(f.text); });
+  if (types.size() != columns_.size() || !are_types) {
     return fail("gives an answer that is no table; is it a ClickHouse server?");
   }
   for (std::size_t i = 0; i < types.size(); ++i) columns_[i].type = type_of(types[i].text);

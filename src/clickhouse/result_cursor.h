@@ -16,8 +16,9 @@ class result_cursor final : public store::row_cursor {
  public:
   // Sends the statement over a connection of its own. `failed()` says whether that went well.
   result_cursor(const server_url& url, std::string_view sql);
-  // Over a connection that serves nothing else until the last row was read.
-  result_cursor(server& shared, std::string_view sql);
+  // Over a connection that serves nothing else until the last row was read. `types` has a letter
+  // for each column that must come: n for whole numbers, t for other values.
+  result_cursor(server& shared, std::string_view sql, std::string_view types, bool patient = false);
 
   int columns() const override { return static_cast<int>(columns_.size()); }
   std::string_view name(int column) const override { return at(column).name; }
@@ -38,7 +39,8 @@ class result_cursor final : public store::row_cursor {
     store::value_type type = store::value_type::text;
   };
 
-  void begin(std::string_view sql);
+  void begin(std::string_view sql, bool patient);
+  void expect(std::string_view types);
   bool next_line();
   void fail(std::string text);
   const named_type& at(int i) const { return columns_[static_cast<std::size_t>(i)]; }

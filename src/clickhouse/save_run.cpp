@@ -53,7 +53,7 @@ save_result server_store::save(const run_profile& run, const store::save_options
                                std::string& error) {
   error = store::duplicate_of(run);
   if (!error.empty()) return save_result::refused_duplicate;
-  const auto stored = find(run.name, error);
+  const auto stored = find(run.name, error, true);
   if (!stored) return save_result::failed;
   const std::string incomplete = store::why_incomplete(run);
   if (stored->import != 0 && stored->complete && !incomplete.empty()) {

@@ -7,7 +7,29 @@
 namespace kiv::clickhouse {
 namespace {
 
+using std::chrono::milliseconds;
+
 constexpr std::string_view result_format = "TabSeparatedWithNamesAndTypes";
+constexpr milliseconds first_pause(50), longest_pause(2000);
+// Enough for servers to see that connections between them are those of a server that has ended.
+constexpr milliseconds short_patience(500);
+
+// Attempts again, with pauses, while `may_repeat` says so of the failure.
+template <class Attempt, class MayRepeat>
+server_failure repeat(milliseconds patience, Attempt attempt, MayRepeat may_repeat) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  for (milliseconds pause = first_pause;; pause = std::min(pause * 2, longest_pause)) {
+    server_failure failure = attempt();
+    if (!may_repeat(failure) || std::chrono::steady_clock::now() + pause > end) return failure;
+    std::this_thread::sleep_for(pause);
+  }
+}
+
+bool nothing_was_done(const server_failure& failure) { return failure.kind == failure_kind::busy; }
+
+bool may_ask_again(const server_failure& failure) {
+  return failure.kind == failure_kind::busy || failure.kind == failure_kind::unclear;
+}
 
 }  // namespace
 
@@ -21,40 +43,30 @@ server_failure server::try_once(const http_parameters& parameters, std::string_v
   return read_server_error(status, connection_.read_all());
 }
 
-server_failure server::repeat(const std::function<server_failure()>& attempt) const {
-  using clock = std::chrono::steady_clock;
-  const auto end = clock::now() + std::chrono::seconds(url_.timeout);
-  auto pause = std::chrono::milliseconds(100);
-  for (;;) {
-    server_failure failure = attempt();
-    if (failure.kind != failure_kind::busy || clock::now() + pause > end) return failure;
-    std::this_thread::sleep_for(pause);
-    pause = std::min(pause * 2, std::chrono::milliseconds(2000));
-  }
-}
-
 server_failure server::execute(std::string_view sql, std::string_view bytes) {
   // Rows are on their shard when the statement ends; an older name of the setting is known to all.
   http_parameters parameters = {{"database", url_.database}, {"insert_distributed_sync", "1"}};
   if (!bytes.empty()) parameters.emplace_back("query", std::string(sql));
-  return repeat([&] {
+  const auto attempt = [&] {
     server_failure failure = try_once(parameters, bytes.empty() ? sql : bytes);
     if (failure) return failure;
     connection_.read_all();
     if (connection_.failure().empty()) return server_failure();
     return server_failure{failure_kind::unclear, 0, connection_.failure()};
-  });
+  };
+  return repeat(std::chrono::seconds(url_.timeout), attempt, nothing_was_done);
 }
 
 server_failure server::execute_without_database(std::string_view sql) {
-  return repeat([&] {
+  const auto attempt = [&] {
     server_failure failure = try_once({}, sql);
     if (!failure) connection_.read_all();
     return failure;
-  });
+  };
+  return repeat(std::chrono::seconds(url_.timeout), attempt, nothing_was_done);
 }
 
-server_failure server::select(std::string_view sql) {
+server_failure server::try_select(std::string_view sql) {
   const auto ask = [&] {
     // The answer comes when it is whole, so that an error is no part of it.
     http_parameters parameters = {{"database", url_.database},
@@ -69,12 +81,13 @@ server_failure server::select(std::string_view sql) {
     reads_only_ = true;
     failure = ask();
   }
-  // A connection that the server has closed meanwhile is no failure yet.
-  if (failure.code == 0 && failure.kind == failure_kind::unclear &&
-      failure.text.find("no sign of life") == std::string::npos) {
-    failure = ask();
-  }
   return failure;
+}
+
+server_failure server::select(std::string_view sql, bool patient) {
+  const auto patience = patient ? milliseconds(std::chrono::seconds(url_.timeout)) : short_patience;
+  return repeat(
+      patience, [&] { return try_select(sql); }, may_ask_again);
 }
 
 std::string in_words(const server_failure& failure, const server_url& url) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,13 +25,14 @@ class server {
   server_failure execute_without_database(std::string_view sql);
 
   // Sends a SELECT. After no failure the answer is to be read from `connection()`: names, types
-  // and rows, separated by tabs.
-  server_failure select(std::string_view sql);
+  // and rows, separated by tabs. Asks again a moment later when the server was busy or away, a
+  // patient one for as long as the URL's time-out.
+  server_failure select(std::string_view sql, bool patient = false);
   http_connection& connection() { return connection_; }
 
  private:
   server_failure try_once(const http_parameters& parameters, std::string_view body);
-  server_failure repeat(const std::function<server_failure()>& attempt) const;
+  server_failure try_select(std::string_view sql);
 
   server_url url_;
   http_connection connection_;

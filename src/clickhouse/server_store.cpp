@@ -46,7 +46,13 @@ std::optional<std::vector<store::run_info>> server_store::runs(std::string& erro
   std::string sql = select_of_view("run_list", url.database, url.cluster, nullptr);
   const std::string_view last_column = "row_count";
   sql.replace(sql.find(last_column), last_column.size(), "row_count, label_keys, label_values");
-  result_cursor rows(server_, sql);
+  // Texts, counts, four amounts, the number of rows, and labels.
+  result_cursor rows(server_, sql,
+                     "ttt"
+                     "nnnn"
+                     "nnnnnnnnnnnn"
+                     "n"
+                     "tt");
   std::vector<store::run_info> all;
   bool fits = true;
   while (rows.step()) all.push_back(read_info(rows, fits));
@@ -60,21 +66,22 @@ std::optional<std::string> server_store::latest_run(std::string& error) {
   std::string sql = "SELECT run FROM " + insert_table("import_stored", url.cluster) +
                     " WHERE import IN (SELECT import FROM " + quoted_identifier(url.database) +
                     ".newest_import) ORDER BY import DESC LIMIT 1";
-  result_cursor rows(server_, sql);
+  result_cursor rows(server_, sql, "t");
   if (rows.step()) return std::string(rows.text(0));
   error = rows.failed() ? rows.error() : "holds no runs";
   return std::nullopt;
 }
 
 std::optional<server_store::stored_run> server_store::find(std::string_view name,
-                                                           std::string& error) {
+                                                           std::string& error, bool patient) {
   const std::string mine = ", run = " + text_literal(name) + ")";
-  result_cursor row(server_, "SELECT max(import) AS newest, maxIf(import" + mine +
-                                 " AS own, argMaxIf(deleted, import" + mine +
-                                 " AS gone, argMaxIf(complete, import" + mine +
-                                 " AS whole, argMaxIf(traces, import" + mine +
-                                 " AS trace_count FROM " +
-                                 insert_table("import_stored", server_.url().cluster));
+  result_cursor row(server_,
+                    "SELECT max(import) AS newest, maxIf(import" + mine +
+                        " AS own, argMaxIf(deleted, import" + mine +
+                        " AS gone, argMaxIf(complete, import" + mine +
+                        " AS whole, argMaxIf(traces, import" + mine + " AS trace_count FROM " +
+                        insert_table("import_stored", server_.url().cluster),
+                    "nnnnn", patient);
   stored_run found;
   if (row.step()) {
     found.newest = row.integer(0);
