@@ -110,7 +110,7 @@ class profile_maker {
 
 std::string select_of_load(const server_url& url, const load_id& load) {
   const auto from = [&](std::string_view stored) {
-    return " FROM " + insert_table(stored, url.cluster) + " WHERE run = " + text_literal(load.run) +
+    return " FROM " + insert_table(stored, url.cluster) + " WHERE " + rows_of(load.run) +
            " AND import = " + std::to_string(load.import);
   };
   std::string groups =

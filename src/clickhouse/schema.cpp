@@ -138,6 +138,12 @@ std::string insert_table(std::string_view stored, std::string_view cluster) {
          std::string(all_suffix);
 }
 
+std::string rows_of(std::string_view run) {
+  const std::string name = text_literal(run);
+  return "run = " + name + " AND _part LIKE concat(toString(sipHash64(" + name +
+         ") % 16), '\\\\_%')";
+}
+
 std::vector<std::string> stored_tables() {
   std::vector<std::string> names;
   for (const auto& table : statements_of(find_text(clickhouse_sql(), "tables"))) {
@@ -181,9 +187,8 @@ std::string select_of_view(std::string_view view, std::string_view database,
   std::string sql = found->select;
   const std::string in = quoted_identifier(database) + ".";
   const std::string which =
-      only != nullptr
-          ? "run = " + text_literal(only->run) + " AND import = " + std::to_string(only->import)
-          : "import IN (SELECT import FROM " + in + "newest_import)";
+      only != nullptr ? rows_of(only->run) + " AND import = " + std::to_string(only->import)
+                      : "import IN (SELECT import FROM " + in + "newest_import)";
   const auto where = sql.find(newest);
   if (where != std::string::npos) sql.replace(where, newest.size(), which);
   // Behind FROM alone, since a name of a run may hold anything.

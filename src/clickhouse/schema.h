@@ -24,6 +24,10 @@ std::string schema_sql(std::string_view cluster, std::string_view database);
 // The tables that loads write, each with what it holds of a run.
 std::vector<std::string> stored_tables();
 
+// The condition that rows are of a run. Names the partition too, by the beginning of its parts'
+// names: the server knows which it is, but not that it need not look into the others.
+std::string rows_of(std::string_view run);
+
 // Where rows for one of them are to be inserted: it, or the table over all shards.
 std::string insert_table(std::string_view stored, std::string_view cluster);
 

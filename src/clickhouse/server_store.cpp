@@ -73,15 +73,18 @@ std::optional<std::string> server_store::latest_run(std::string& error) {
 }
 
 std::optional<server_store::stored_run> server_store::find(std::string_view name,
-                                                           std::string& error, bool patient) {
-  const std::string mine = ", run = " + text_literal(name) + ")";
-  result_cursor row(server_,
-                    "SELECT max(import) AS newest, maxIf(import" + mine +
-                        " AS own, argMaxIf(deleted, import" + mine +
-                        " AS gone, argMaxIf(complete, import" + mine +
-                        " AS whole, argMaxIf(traces, import" + mine + " AS trace_count FROM " +
-                        insert_table("import_stored", server_.url().cluster),
-                    "nnnnn", patient);
+                                                           std::string& error, bool for_load) {
+  // What is loaded gets a number above those of all runs; who asks needs not look at them.
+  const std::string condition = for_load ? "run = " + text_literal(name) : "1";
+  const auto of_run = [&](const std::string& function, const std::string& column) {
+    return function + "If(" + column + "import, " + condition + ")";
+  };
+  std::string sql = "SELECT max(import) AS newest, " + of_run("max", "") + " AS own, " +
+                    of_run("argMax", "deleted, ") + " AS gone, " + of_run("argMax", "complete, ") +
+                    " AS whole, " + of_run("argMax", "traces, ") + " AS trace_count FROM " +
+                    insert_table("import_stored", server_.url().cluster);
+  if (!for_load) sql += " WHERE " + rows_of(name);
+  result_cursor row(server_, sql, "nnnnn", for_load);
   stored_run found;
   if (row.step()) {
     found.newest = row.integer(0);

@@ -38,7 +38,8 @@ class server_store final : public store::run_source, public store::run_target {
     bool complete = false;
     std::size_t traces = 0;
   };
-  std::optional<stored_run> find(std::string_view name, std::string& error, bool patient = false);
+  // For a load it is asked patiently, and `newest` is of all runs; else it is of this one.
+  std::optional<stored_run> find(std::string_view name, std::string& error, bool for_load = false);
   server_failure send(const run_profile& run, const store::save_options& options,
                       std::int64_t import, std::string& error);
 
