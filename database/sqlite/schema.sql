@@ -158,7 +158,7 @@ CREATE TABLE block_group (
 ) WITHOUT ROWID;
 
 -- The groups added up by one of their names, the function being the innermost of the path: far fewer
--- rows for questions about many runs. Names without bytes have none.
+-- rows for questions about many runs. Names of no group have none.
 
 CREATE TABLE sum_by_id (
   trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,

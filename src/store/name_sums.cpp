@@ -1,7 +1,7 @@
 #include "store/name_sums.h"
 
-#include <algorithm>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace kiv::store {
@@ -23,18 +23,18 @@ class sums_by_place {
  public:
   explicit sums_by_place(std::size_t names) : sums_(names) {}
   void add_to(std::uint32_t place, const byte_sums& more) {
-    if (place < sums_.size()) add(sums_[place], more);
+    if (place < sums_.size()) add(sums_[place] ? *sums_[place] : sums_[place].emplace(), more);
   }
   name_sum_list list(std::string key) const {
     name_sum_list made{std::move(key), {}};
     for (std::uint32_t place = 0; place < sums_.size(); ++place) {
-      if (sums_[place] != byte_sums()) made.sums.push_back({place, 0, sums_[place]});
+      if (sums_[place]) made.sums.push_back({place, 0, *sums_[place]});
     }
     return made;
   }
 
  private:
-  std::vector<byte_sums> sums_;
+  std::vector<std::optional<byte_sums>> sums_;  // none: no group has the name
 };
 
 }  // namespace
@@ -55,7 +55,7 @@ name_sums::name_sums(const profile& p) {
   lists_.push_back(ids.list("id"));
   name_sum_list& of_colors = lists_.emplace_back(name_sum_list{"color", {}});
   for (const auto& [key, bytes] : colors) {
-    if (bytes != byte_sums()) of_colors.sums.push_back({key.first, key.second, bytes});
+    of_colors.sums.push_back({key.first, key.second, bytes});
   }
   lists_.push_back(lines.list("line"));
   lists_.push_back(functions.list("function"));

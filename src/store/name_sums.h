@@ -18,7 +18,7 @@ struct name_sum {
 
 struct name_sum_list {
   std::string key;             // "id", "color", "line", "function", "process" or "query"
-  std::vector<name_sum> sums;  // by place and id; of names with bytes
+  std::vector<name_sum> sums;  // by place and id; of names that groups have
 };
 
 // The groups of a profile added up by each of their names, in one pass.

@@ -139,19 +139,23 @@ TEST_F(StoreViews, ShowNamesAsTexts) {
   for (const auto& c : cases) EXPECT_EQ(rows(c.sql), c.expected) << c.sql;
 }
 
-// Blocks of several ids may have the unknown colour.
-TEST_F(StoreViews, ColoursAreThoseOfTheirId) {
+// Blocks of several ids may have the unknown colour, and blocks without bytes have a name too.
+TEST_F(StoreViews, AFleetHasTheNamesOfGroups) {
   run_profile run = small_run("R", 5);
   profile& p = run.traces[0];
   block_group g;
   g[figure::made] = g[figure::at_peak] = {1, 7, 8};
   p.groups.push_back(g);
-  g[figure::made] = g[figure::at_peak] = {0, 0, 0};
+  p.lines = {"unknown line", "a.c:1", "a.c:2"};
+  g[figure::made] = g[figure::at_peak] = {1, 0, 0};
   g.id = 1;
+  g.line = 2;
   p.groups.push_back(g);
   ASSERT_EQ(save(run), save_result::saved);
   EXPECT_EQ(rows("SELECT name, allocated_bytes, leaked_bytes, peak_bytes FROM fleet_by_color"),
             (texts{"unknown id / unknown colour|7|0|7", "cache / unknown colour|5|5|0"}));
+  EXPECT_EQ(rows("SELECT name, allocated_bytes FROM fleet_by_line"),
+            (texts{"unknown line|12", "a.c:2|0"}));
   EXPECT_EQ(rows("SELECT id_name, allocated_bytes FROM by_color ORDER BY 2 DESC"),
             (texts{"unknown id|7", "cache|5"}));
 }
