@@ -5,6 +5,7 @@
 #include <iostream>
 #include <string>
 
+#include "clickhouse/schema.h"
 #include "rows/row_tables.h"
 #include "store/schema.h"
 #include "tsql.h"
@@ -31,6 +32,8 @@ int main(int argc, char** argv) {
   const bool done =
       write(directory / "sqlite" / "schema.sql", kiv::store::schema_sql()) &&
       write(directory / "sqlite" / "rows.sql", kiv::rows::row_schema_sql()) &&
+      write(directory / "clickhouse" / "server.sql", kiv::clickhouse::schema_sql({}, {})) &&
+      write(directory / "clickhouse" / "cluster.sql", kiv::clickhouse::schema_sql("kiv", "kiv")) &&
       write(directory / "sqlserver" / "1_tables.sql", kiv::server::tsql_tables()) &&
       write(directory / "sqlserver" / "2_procedures.sql", kiv::server::tsql_procedures()) &&
       write(directory / "sqlserver" / "3_views.sql", kiv::server::tsql_views());

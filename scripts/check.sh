@@ -21,6 +21,9 @@ scripts/test_browser.sh -q
 step "recordings of real programs"
 scripts/test_recorder.sh
 
+step "runs on ClickHouse"
+scripts/test_clickhouse.sh -q
+
 step "clang, warnings as errors, address and undefined behaviour sanitizers"
 cmake --preset asan -DKIV_BENCH=ON >/dev/null
 cmake --build --preset asan

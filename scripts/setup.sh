@@ -5,7 +5,7 @@ set -eu
 
 sets='
 make         make
-build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config libprotobuf-dev protobuf-compiler zlib1g-dev libzstd-dev
+build        g++ cmake ninja-build libexpat1-dev libabsl-dev libfmt-dev libsqlite3-dev libcli11-dev libre2-dev node-d3 pkg-config libprotobuf-dev protobuf-compiler zlib1g-dev libzstd-dev libcurl4-openssl-dev
 test         libgtest-dev python3
 bench        libbenchmark-dev valgrind heaptrack zstd
 format       clang-format-14 git
@@ -14,6 +14,7 @@ recorder     sqlite3 heaptrack zstd
 browser      chromium chromium-driver chromium-sandbox python3-pytest python3-selenium fonts-dejavu-core
 test32       g++-multilib
 emulate32    qemu-user
+clickhouse   clickhouse-server python3-pytest
 package      dpkg-dev file
 '
 

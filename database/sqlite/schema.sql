@@ -11,6 +11,14 @@ CREATE TABLE run (
   row_count INTEGER                       -- of the CSV tables; NULL when they were not loaded
 );
 
+-- What runs were given at their import.
+CREATE TABLE run_label (
+  run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  key TEXT NOT NULL,
+  value TEXT NOT NULL,
+  PRIMARY KEY (run, key)
+) WITHOUT ROWID;
+
 CREATE TABLE trace (
   trace INTEGER PRIMARY KEY,
   run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
@@ -146,6 +154,76 @@ CREATE TABLE block_group (
   temporary_blocks INTEGER NOT NULL,
   temporary_bytes INTEGER NOT NULL,
   temporary_tot_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+-- The groups added up by one of their names, the function being the innermost of the path: far fewer
+-- rows for questions about many runs. Names of no group have none.
+
+CREATE TABLE sum_by_id (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_color (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place, id)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_line (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_function (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_process (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_query (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
   PRIMARY KEY (trace, place)
 ) WITHOUT ROWID;
 
@@ -484,6 +562,83 @@ FROM block_group g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN query_text n ON n.trace = g.trace AND n.place = g.query
 GROUP BY g.trace, g.query;
 
+-- bytes of the traces of all runs by colour of an allocation id, with program and host; several rows may have one name
+CREATE VIEW fleet_by_color AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name || ' / ' || c.name AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_color g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+JOIN color_name c ON c.trace = g.trace AND c.place = g.place;
+
+-- bytes of the traces of all runs by innermost function, with program and host; several rows may have one name
+CREATE VIEW fleet_by_function AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_function g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN function_name f ON f.trace = g.trace AND f.place = g.place;
+
+-- bytes of the traces of all runs by allocation id, with program and host; several rows may have one name
+CREATE VIEW fleet_by_id AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_id g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN id_name n ON n.trace = g.trace AND n.place = g.place;
+
+-- bytes of the traces of all runs by source line, with program and host; several rows may have one name
+CREATE VIEW fleet_by_line AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_line g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN line_name n ON n.trace = g.trace AND n.place = g.place;
+
+-- bytes of the traces of all runs by process, with program and host; several rows may have one name
+CREATE VIEW fleet_by_process AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_process g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN process_name n ON n.trace = g.trace AND n.place = g.place;
+
+-- bytes of the traces of all runs by SQL statement, with program and host; several rows may have one name
+CREATE VIEW fleet_by_query AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, n.text AS name,
+g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+FROM sum_by_query g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+JOIN query_text n ON n.trace = g.trace AND n.place = g.place;
+
+-- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
+CREATE VIEW fleet_summary AS
+WITH one AS (  -- of a run and a program
+  SELECT import_order, run, program, SUM(peak_bytes) AS peak, SUM(leaked_bytes) AS leaked
+  FROM (SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
+  CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
+FROM trace t JOIN run r ON r.run = t.run) GROUP BY import_order, run, program
+), named AS (
+  SELECT o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
+  FROM one o LEFT JOIN run_label l ON l.run = o.import_order AND l.key = 'release'
+), placed AS (
+  SELECT program, release, peak, leaked,
+    COUNT(*) OVER (PARTITION BY program, release) AS runs,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY peak) - 1 AS by_peak,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY leaked) - 1 AS by_leaked
+  FROM named
+)
+SELECT program, release, runs,
+  MAX(CASE WHEN by_peak = runs / 2 THEN peak END) AS median_peak_bytes,
+  MAX(CASE WHEN by_peak = runs * 95 / 100 THEN peak END) AS p95_peak_bytes,
+  MAX(CASE WHEN by_leaked = runs / 2 THEN leaked END) AS median_leaked_bytes,
+  MAX(CASE WHEN by_leaked = runs * 95 / 100 THEN leaked END) AS p95_leaked_bytes
+FROM placed GROUP BY program, release, runs;
+
+-- program, host, peak and leaks of the traces of all runs
+CREATE VIEW fleet_trace AS
+SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
+  CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
+FROM trace t JOIN run r ON r.run = t.run;
+
 -- growth of the heap and gaps in it, by process and call path
 CREATE VIEW heap_growth AS
 WITH RECURSIVE p(trace, place, depth, path) AS (
@@ -502,6 +657,11 @@ SELECT r.name AS run, t.pid AS pid, CASE g.gap WHEN 0 THEN 'growth' ELSE 'gap' E
 FROM heap_change g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN process_name n ON n.trace = g.trace AND n.place = g.process
 CROSS JOIN p ON p.trace = g.trace AND p.place = g.path;
+
+-- what runs were given at their import, by key and value
+CREATE VIEW labels AS
+SELECT r.name AS run, l.key, l.value
+FROM run_label l JOIN run r ON r.run = l.run;
 
 -- blocks that ended by how many memory records they lived
 CREATE VIEW lifetimes AS

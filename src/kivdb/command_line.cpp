@@ -32,12 +32,14 @@ int kivdb_main(int argc, char** argv) {
       "Answers questions from memory-allocation traces: who leaks, what made the peak, "
       "did it get worse.",
       "kivdb " KIVDB_VERSION,
-      "A SOURCE is a run's directory, a header file, or a database that `import` made.\n"
+      "A SOURCE is a run's directory, a header file, or a database: a file that `import`\n"
+      "made, or clickhouse://[user[:password]@]host[:port]/database[?cluster=NAME].\n"
       "Exit status: 0 done, 1 wrong usage, 2 unreadable source or database, 3 a limit was passed,\n"
       "4 a limit was given for a run that is not complete.\n"
       "`kivdb COMMAND --help` has an example for each command.");
-  for (const auto add : {add_report, add_tree, add_diff, add_html, add_export, add_import,
-                         add_trend, add_runs, add_forget, add_show, add_views, add_sql}) {
+  for (const auto add :
+       {add_report, add_tree, add_diff, add_html, add_export, add_import, add_trend, add_fleet,
+        add_runs, add_forget, add_show, add_views, add_sql, add_schema, add_setup, add_prune}) {
     add(program);
   }
   if (const char* before = empty_argument(argc, argv)) {

@@ -14,8 +14,12 @@ void add_html(program_options& program);
 void add_trend(program_options& program);
 void add_runs(program_options& program);
 void add_forget(program_options& program);
+void add_fleet(program_options& program);
 void add_show(program_options& program);
 void add_views(program_options& program);
+void add_schema(program_options& program);
+void add_setup(program_options& program);
+void add_prune(program_options& program);
 void add_sql(program_options& program);
 
 }  // namespace kiv::db

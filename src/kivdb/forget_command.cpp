@@ -3,8 +3,8 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -17,14 +17,8 @@ struct forget_arguments {
 
 int run_forget(const forget_arguments& arguments) {
   std::string error;
-  store::run_store database;
-  // Reading first: what does not exist is not to be made.
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
-    return complain_about(arguments.file, error);
-  }
-  database.close();
-  if (!database.open(arguments.file, store::open_mode::create, error) ||
-      !database.forget(arguments.runs, error)) {
+  const auto database = open_target(arguments.file, target_use::forget, error);
+  if (!database || !database->forget(arguments.runs, error)) {
     return complain_about(arguments.file, error);
   }
   report::table_printer table(std::cout, {{"forgotten", "forgotten"}}, arguments.output.style());

@@ -1,20 +1,22 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <map>
 #include <memory>
 
+#include "clickhouse/server_url.h"
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
 #include "kivdb/load_tables.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
 #include "kivdb/warn_of_losses.h"
 #include "report/human.h"
 #include "report/printable.h"
 #include "report/run_report.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -23,9 +25,10 @@ using report::column_kind;
 
 struct import_arguments {
   std::vector<std::string> sources;
-  std::string file;
+  std::optional<std::string> file, server;
   std::optional<std::string> name;
   bool rows = false;
+  std::vector<std::string> labels;
   std::string sd, sf;  // separators of the tables; empty: read off the files
   output_options output;
 };
@@ -75,15 +78,35 @@ std::optional<char> separator(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text[0]);
 }
 
-store::save_result save(store::run_store& database, const run_profile& run,
-                        const std::string& source, const run_tables* tables, std::string& error) {
-  store::save_options options{source};
+// What is wrong with a label: KEY=VALUE, neither of them empty.
+std::string fault_of_label(const std::string& text) {
+  const auto equals = text.find('=');
+  if (equals != std::string::npos && equals != 0 && equals + 1 < text.size()) return {};
+  return quoted_name(text) + " is no label; KEY=VALUE is wanted";
+}
+
+// The labels by their keys. False when a key is there twice, which `error` names.
+bool read_labels(const std::vector<std::string>& given, store::run_labels& labels,
+                 std::string& error) {
+  for (const auto& text : given) {
+    const auto equals = text.find('=');
+    labels.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+  }
+  std::ranges::sort(labels);
+  const auto twice = std::ranges::adjacent_find(
+      labels, [](const auto& a, const auto& b) { return a.first == b.first; });
+  if (twice != labels.end()) error = "the label " + quoted_name(twice->first) + " is given twice";
+  return twice == labels.end();
+}
+
+store::save_result save(store::run_target& target, const run_profile& run,
+                        store::save_options options, const run_tables* tables, std::string& error) {
   if (tables) {
     const auto loader = tables->loader(run, error);
     if (!loader) return store::save_result::failed;
     options.rows = *loader;
   }
-  return database.save(run, options, error);
+  return target.save(run, options, error);
 }
 
 int run_import(const import_arguments& arguments) {
@@ -92,6 +115,16 @@ int run_import(const import_arguments& arguments) {
   }
   const rows::row_options options{separator(arguments.sd), separator(arguments.sf)};
   std::string error;
+  if (arguments.file.has_value() == arguments.server.has_value()) {
+    return complain("import needs one of --output FILE and --to URL", status_usage);
+  }
+  const std::string& into = arguments.file ? *arguments.file : *arguments.server;
+  if (clickhouse::is_server_url(into) != arguments.server.has_value()) {
+    return complain("--output takes a file, --to takes clickhouse://host:port/database",
+                    status_usage);
+  }
+  store::run_labels labels;
+  if (!read_labels(arguments.labels, labels, error)) return complain(error, status_usage);
   found_sources found;
   std::vector<run_profile> runs;
   std::map<std::string, std::string> run_sources;
@@ -109,20 +142,18 @@ int run_import(const import_arguments& arguments) {
     run_sources[*arguments.name] = run_sources[runs.front().name];
     runs.front().name = *arguments.name;
   }
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::create, error)) {
-    return complain_about(arguments.file, error);
-  }
+  const auto database = open_target(into, target_use::import, error);
+  if (!database) return complain_about(into, error);
   import_printer printer(arguments.output.style());
   int status = status_done;
   for (const auto& run : runs) {
     warn_of_losses(run);
-    const auto result =
-        save(database, run, run_sources[run.name], arguments.rows ? &tables : nullptr, error);
+    const auto result = save(*database, run, {run_sources[run.name], labels},
+                             arguments.rows ? &tables : nullptr, error);
     if (result == store::save_result::saved || result == store::save_result::replaced) {
       printer.add(run, result == store::save_result::replaced);
     } else {
-      status = complain_about(arguments.file, "run " + quoted_name(run.name) + ": " + error);
+      status = complain_about(into, "run " + quoted_name(run.name) + ": " + error);
     }
   }
   printer.finish();
@@ -138,8 +169,14 @@ void add_import(program_options& program) {
       program.add_command("import", "Put the profiles of traces into a database",
                           [arguments] { return run_import(*arguments); });
   command.arguments("source", arguments->sources, "Directories of runs, or header files");
-  command.required_option("-o,--output", arguments->file, "Database file; made when there is none");
+  command.option("-o,--output", arguments->file, "Database file; made when there is none");
+  command.option("--to", arguments->server,
+                 "In place of a file: clickhouse://[user[:password]@]host[:port]/database"
+                 "[?cluster=NAME]");
   command.option("--as", arguments->name, "Name of the run, in place of its run id");
+  command.repeatable_option("--label", arguments->labels,
+                            "A label KEY=VALUE of the runs, such as release=4.2; repeatable",
+                            fault_of_label);
   command.flag("--rows", arguments->rows,
                "Load the CSV tables too, for SQL of your own; `kiv -R` writes them");
   command.option("--sd", arguments->sd,

@@ -10,12 +10,13 @@
 #include <set>
 #include <utility>
 
+#include "clickhouse/server_url.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "profile/profile_trace.h"
 #include "report/printable.h"
 #include "rows/import_plan.h"
 #include "rows/profile_from_rows.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -76,17 +77,17 @@ std::string names_of(const std::vector<run_profile>& runs) {
 
 bool load_from_database(const std::string& path, const std::optional<std::string>& wanted,
                         std::vector<run_profile>& runs, std::string& error) {
-  store::run_store database;
   const auto load = [&] {
-    if (!database.open(path, store::open_mode::read_only, error)) return false;
-    const auto name = wanted ? wanted : database.latest_run(error);
+    const auto database = open_runs(path, error);
+    if (!database) return false;
+    const auto name = wanted ? wanted : database->latest_run(error);
     if (!name) return false;
-    auto run = database.load(*name, error);
+    auto run = database->load(*name, error);
     if (run) runs.push_back(std::move(*run));
     return run.has_value();
   };
   if (load()) return true;
-  error = path + ": " + error;
+  error = clickhouse::without_password(path) + ": " + error;
   return false;
 }
 
@@ -158,6 +159,7 @@ bool compute(const std::vector<std::string>& directories, const rows::row_option
 }  // namespace
 
 std::optional<source_kind> kind_of_source(const std::string& path, std::string& error) {
+  if (clickhouse::is_server_url(path)) return source_kind::database;
   struct stat info {};
   if (stat(path.c_str(), &info) != 0) {
     error = path + ": " + std::strerror(errno);
@@ -177,7 +179,7 @@ bool find_sources(const std::vector<std::string>& sources, found_sources& found,
     const auto kind = kind_of_source(source, error);
     if (!kind) return false;
     if (*kind == source_kind::database) {
-      error = source + ": a database; traces are wanted";
+      error = clickhouse::without_password(source) + ": a database; traces are wanted";
       return false;
     }
     if (*kind == source_kind::header) {

@@ -11,7 +11,8 @@
 namespace kiv::db {
 
 // Where runs come from: a directory with all headers of a run, as `kiv -R` takes them, or without
-// a header one with the CSV tables of a run; one header file; or a database.
+// a header one with the CSV tables of a run; one header file; or a database: a file or
+// the URL of a server.
 enum class source_kind { directory, header, database };
 
 // Nothing, with `error` set, when there is no such file or directory.

@@ -31,12 +31,13 @@ std::optional<decltype(store::save_options::rows)> run_tables::loader(const run_
   const std::string& run_id = run.traces.empty() ? run.name : run.traces.front().run;
   for (const auto& tables : plan_.runs) {
     if (tables.run_id != safe_runid(run_id)) continue;
-    return [this, &tables](store::database& db, const run_profile& saved, std::string& reason) {
-      std::vector<std::string> rejected;
-      const auto count = rows::load_rows(db, tables, options_, saved, rejected, reason);
-      for (const auto& line : rejected) complain(line);
-      return count;
-    };
+    return
+        [this, &tables](store::row_target& target, const run_profile& saved, std::string& reason) {
+          std::vector<std::string> rejected;
+          const auto count = rows::load_rows(target, tables, options_, saved, rejected, reason);
+          for (const auto& line : rejected) complain(line);
+          return count;
+        };
   }
   error = "there are no tables of run " + quoted_name(run_id) +
           " beside its trace; `kiv -R` writes them";

@@ -8,7 +8,7 @@
 #include "kivdb/load_source.h"
 #include "rows/import_plan.h"
 #include "rows/run_reading.h"
-#include "store/run_store.h"
+#include "store/run_target.h"
 
 namespace kiv::db {
 

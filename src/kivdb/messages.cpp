@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "clickhouse/server_url.h"
 #include "report/printable.h"
 
 namespace kiv::db {
@@ -13,7 +14,7 @@ int complain(std::string_view what, exit_status status) {
 }
 
 int complain_about(std::string_view path, std::string_view what, exit_status status) {
-  return complain(std::string(path) + ": " + std::string(what), status);
+  return complain(clickhouse::without_password(path) + ": " + std::string(what), status);
 }
 
 int finish_output() {

@@ -25,7 +25,7 @@ column_kind kind_of(std::string_view name) {
   return column_kind::plain;
 }
 
-report::cell cell_of(const store::query& rows, int column) {
+report::cell cell_of(const store::row_cursor& rows, int column) {
   switch (rows.type(column)) {
     case store::value_type::null:
       return {};
@@ -40,14 +40,15 @@ report::cell cell_of(const store::query& rows, int column) {
   return std::string(rows.text(column));
 }
 
-report::table_row row_of(const store::query& rows) {
+report::table_row row_of(const store::row_cursor& rows) {
   report::table_row cells;
   for (int i = 0; i < rows.columns(); ++i) cells.push_back(cell_of(rows, i));
   return cells;
 }
 
 // A column reads as a number when the first row has one there.
-std::vector<report::column> columns_of(const store::query& rows, const report::table_row& first) {
+std::vector<report::column> columns_of(const store::row_cursor& rows,
+                                       const report::table_row& first) {
   std::vector<report::column> columns;
   for (int i = 0; i < rows.columns(); ++i) {
     const std::string name(rows.name(i));
@@ -60,7 +61,7 @@ std::vector<report::column> columns_of(const store::query& rows, const report::t
 
 }  // namespace
 
-bool print_query(std::ostream& out, store::query& rows, const report::print_style& style,
+bool print_query(std::ostream& out, store::row_cursor& rows, const report::print_style& style,
                  std::optional<std::size_t> top) {
   const bool for_people = style.format == report::output_format::terminal;
   const std::size_t limit = top.value_or(for_people ? rows_for_people : SIZE_MAX);

@@ -4,11 +4,11 @@
 #include "kivdb/commands.h"
 #include "kivdb/load_source.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
 #include "report/print_report.h"
 #include "report/printable.h"
 #include "report/run_report.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -29,9 +29,8 @@ void print_other_runs(const std::string& path, const std::string& shown) {
   std::string error, others;
   const auto kind = kind_of_source(path, error);
   if (!kind || *kind != source_kind::database) return;
-  store::run_store database;
-  if (!database.open(path, store::open_mode::read_only, error)) return;
-  const auto runs = database.runs(error);
+  const auto database = open_runs(path, error);
+  const auto runs = database ? database->runs(error) : std::nullopt;
   if (!runs || runs->size() < 2) return;
   std::size_t left = most_other_runs;
   for (auto run = runs->rbegin(); run != runs->rend(); ++run) {

@@ -3,8 +3,8 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -16,13 +16,18 @@ struct runs_arguments {
   output_options output;
 };
 
+std::string labels_of(const store::run_info& run) {
+  std::string list;
+  for (const auto& [key, value] : run.labels) {
+    list += (list.empty() ? "" : ", ") + key + '=' + value;
+  }
+  return list;
+}
+
 int run_runs(const runs_arguments& arguments) {
   std::string error;
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
-    return complain_about(arguments.file, error);
-  }
-  const auto runs = database.runs(error);
+  const auto database = open_runs(arguments.file, error);
+  const auto runs = database ? database->runs(error) : std::nullopt;
   if (!runs) return complain_about(arguments.file, error);
   report::table_printer table(std::cout,
                               {{"run", "run"},
@@ -35,13 +40,14 @@ int run_runs(const runs_arguments& arguments) {
                                {"peak_bytes", "peak", column_kind::bytes},
                                {"live_bytes", "live at the end", column_kind::bytes},
                                {"allocated_bytes", "allocated", column_kind::bytes},
-                               {"source", "source"}},
+                               {"source", "source"},
+                               {"labels", "labels"}},
                               arguments.output.style());
   for (const auto& run : *runs) {
     const char* complete = run.from_rows ? "unknown" : run.complete ? "yes" : "no";
     table.add({run.name, run.imported_at, std::string(complete), run.traces, run.records,
                run.rows ? report::cell(*run.rows) : report::cell(), run.leaked.bytes,
-               run.peak.bytes, run.live.bytes, run.allocated.bytes, run.source});
+               run.peak.bytes, run.live.bytes, run.allocated.bytes, run.source, labels_of(run)});
   }
   table.finish();
   return finish_output();

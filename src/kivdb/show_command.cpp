@@ -3,6 +3,7 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/print_query.h"
 #include "kivdb/shared_options.h"
 
@@ -19,12 +20,12 @@ struct show_arguments {
 int run_show(const show_arguments& arguments) {
   const auto fail = [&](const std::string& error) { return complain_about(arguments.file, error); };
   std::string error;
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) return fail(error);
-  auto rows = store::prepare_view(database, arguments.view, arguments.run, error);
+  const auto database = open_runs(arguments.file, error);
+  if (!database) return fail(error);
+  const auto rows = database->view(arguments.view, arguments.run, error);
   if (!rows) return fail(error);
   if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.given())) {
-    return fail(database.connection().error());
+    return fail(rows->error());
   }
   return finish_output();
 }

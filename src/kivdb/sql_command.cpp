@@ -3,6 +3,7 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/print_query.h"
 #include "kivdb/shared_options.h"
 
@@ -17,15 +18,13 @@ struct sql_arguments {
 
 int run_sql(const sql_arguments& arguments) {
   std::string error;
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) {
-    return complain_about(arguments.file, error);
-  }
+  const auto database = open_runs(arguments.file, error);
+  if (!database) return complain_about(arguments.file, error);
   // What is wrong with the statement is a matter of usage, what is wrong with the file is not.
-  auto rows = store::prepare_query(database, arguments.sql, error);
+  const auto rows = database->select(arguments.sql, {}, error);
   if (!rows) return complain(error, status_usage);
   if (!print_query(std::cout, *rows, arguments.output.style(), arguments.top.given())) {
-    return complain_about(arguments.file, database.connection().error());
+    return complain_about(arguments.file, rows->error());
   }
   return finish_output();
 }

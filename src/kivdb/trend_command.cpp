@@ -4,10 +4,10 @@
 
 #include "kivdb/commands.h"
 #include "kivdb/messages.h"
+#include "kivdb/open_runs.h"
 #include "kivdb/shared_options.h"
 #include "report/printable.h"
 #include "report/run_trend.h"
-#include "store/run_store.h"
 
 namespace kiv::db {
 namespace {
@@ -24,9 +24,8 @@ struct trend_arguments {
 int run_trend(const trend_arguments& arguments) {
   const auto fail = [&](const std::string& error) { return complain_about(arguments.file, error); };
   std::string error;
-  store::run_store database;
-  if (!database.open(arguments.file, store::open_mode::read_only, error)) return fail(error);
-  auto runs = database.runs(error);
+  const auto database = open_runs(arguments.file, error);
+  auto runs = database ? database->runs(error) : std::nullopt;
   if (!runs) return fail(error);
   if (runs->empty()) return fail("no run was imported yet");
   if (arguments.last && *arguments.last < runs->size()) {
@@ -37,7 +36,7 @@ int run_trend(const trend_arguments& arguments) {
   options.of = arguments.list.of();
   report::run_trend trend(options);
   for (const auto& info : *runs) {
-    const auto run = database.load(info.name, error);
+    const auto run = database->load(info.name, error);
     if (!run) return fail(error);
     if (!trend.add(*run, error)) return complain(error);
   }

@@ -87,6 +87,9 @@ void profiler::finish(profile& into) {
   for (const auto& [key, total] : heap_) {
     into.heap.push_back({key.gap, key.path, key.process, total.first, total.second});
   }
+  // The table gives them in another order in every process.
+  std::ranges::sort(into.heap, {},
+                    [](const heap_change& h) { return std::tuple(h.gap, h.path, h.process); });
 
   names.finish(into);
   paths_.finish(into);

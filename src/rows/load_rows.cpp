@@ -2,24 +2,33 @@
 
 #include <algorithm>
 
-#include "rows/row_tables.h"
-#include "rows/table_writer.h"
 #include "rows/trace_totals.h"
 #include "util/printable.h"
 
 namespace kiv::rows {
 namespace {
 
-bool load_table(store::database& db, run_reading& reading, const csv_table& table,
-                const run_profile& run, trace_totals& totals, std::uint64_t& count) {
+// The columns of a table that are stored, but for the run's id: labels need no storage.
+std::vector<store::row_column> stored_columns(const csv_table& table) {
+  std::vector<store::row_column> columns;
+  for (std::size_t i = 1; i < table.columns.size(); ++i) {
+    const csv_column& column = table.columns[i];
+    if (!column.label.empty()) continue;
+    const bool is_number = column.type == column_type::i64 || column.type == column_type::u64;
+    columns.push_back({column.name, i, !is_number});
+  }
+  return columns;
+}
+
+bool load_table(store::row_target& target, run_reading& reading, const csv_table& table,
+                trace_totals& totals, std::uint64_t& count) {
   const bool counted = table.name == "memory" || table.name == "freemem";
   table_rows rows(reading, table.name,
                   counted ? table_rows::rejects::fatal : table_rows::rejects::named);
-  table_writer writer(db, table, run.name);
-  if (!writer.is_ready()) return reading.fail(db.error());
+  if (!target.begin(table.name, stored_columns(table))) return reading.fail(target.error());
   while (const parsed_row* row = rows.next()) {
     if (!totals.add(reading, table.name, rows)) return false;
-    if (!writer.write(row->columns)) return reading.fail(db.error());
+    if (!target.write(row->columns)) return reading.fail(target.error());
   }
   count += rows.rows();
   return reading.error().empty();
@@ -27,17 +36,17 @@ bool load_table(store::database& db, run_reading& reading, const csv_table& tabl
 
 }  // namespace
 
-std::optional<std::uint64_t> load_rows(store::database& db, const run_plan& plan,
+std::optional<std::uint64_t> load_rows(store::row_target& target, const run_plan& plan,
                                        const row_options& options, const run_profile& run,
                                        std::vector<std::string>& rejected, std::string& error) {
   run_reading reading(plan, options);
   trace_totals totals;
   std::uint64_t count = 0;
-  bool done = make_row_tables(db) || reading.fail(db.error());
-  done = done && reading.begin();
+  bool done = reading.begin();
   for (const auto& table : csv_tables()) {
-    done = done && load_table(db, reading, table, run, totals, count);
+    done = done && load_table(target, reading, table, totals, count);
   }
+  done = done && (target.finish() || reading.fail(target.error()));
   const bool same_run = run.traces.empty() || std::ranges::any_of(run.traces, [&](const auto& p) {
                           return p.run == reading.run_id();
                         });

@@ -7,15 +7,14 @@
 #include <vector>
 
 #include "rows/separators.h"
+#include "store/row_target.h"
 #include "tables/csv_tables.h"
 
 namespace kiv::rows {
 
-// One column of a row. Numbers beyond 2^63 - 1 wrap, as they do in the analyser's own books.
-struct field {
-  std::string_view text;  // points into the row
-  std::int64_t number = 0;
-};
+// One column of a row; its text points into the row. Numbers beyond 2^63 - 1 wrap, as they do in
+// the analyser's own books.
+using field = store::row_value;
 
 // Cuts rows of one table into columns and checks every column against the catalogue. Nothing in a
 // row is quoted, so a free text that holds a separator is found by what stands around it.

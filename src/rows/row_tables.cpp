@@ -3,6 +3,7 @@
 #include <span>
 #include <string_view>
 
+#include "tables/csv_tables.h"
 #include "util/embedded_text.h"
 
 namespace kiv {
@@ -32,23 +33,11 @@ std::string create_table(const csv_table& table) {
 
 }  // namespace
 
-bool make_row_tables(store::database& db) { return db.exec(row_schema_sql()); }
-
 std::string row_schema_sql() {
   std::string sql;
   for (const auto& table : csv_tables()) sql += create_table(table);
   for (const auto& file : row_schema()) sql += file.text;
   return sql;
-}
-
-std::string insert_statement(const csv_table& table) {
-  std::string names, marks;
-  for (const auto& column : table.columns) {
-    if (!column.label.empty()) continue;
-    names += (names.empty() ? "" : ", ") + std::string(column.name);
-    marks += marks.empty() ? "?" : ", ?";
-  }
-  return "INSERT INTO " + std::string(table.name) + " (" + names + ") VALUES (" + marks + ")";
 }
 
 }  // namespace kiv::rows

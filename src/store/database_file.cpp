@@ -17,7 +17,7 @@ namespace kiv::store {
 namespace {
 
 constexpr std::int64_t application_id = 0x4b495644;  // "KIVD"
-constexpr std::int64_t schema_version = 2;
+constexpr std::int64_t schema_version = 3;
 constexpr int import_wait = 60, read_wait = 10;  // seconds
 
 bool fail(std::string& error, std::string what) {

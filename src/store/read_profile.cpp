@@ -2,6 +2,7 @@
 #include <string>
 #include <utility>
 
+#include "store/places_fit.h"
 #include "store/profile_columns.h"
 #include "store/profile_tables.h"
 
@@ -99,45 +100,6 @@ class profile_reader {
   bool done_ = true, fits_ = true;
 };
 
-// Every place leads to an entry, and parents come before their children.
-bool places_fit(const profile& p) {
-  bool fit = !p.ids.empty() && !p.colors.empty() && !p.lines.empty() && !p.functions.empty() &&
-             !p.paths.empty() && !p.processes.empty() && !p.queries.empty();
-  const auto within = [&fit](std::uint32_t place, const auto& list) {
-    fit = fit && place < list.size();
-  };
-  for (const auto& c : p.colors) within(c.id, p.ids);
-  for (std::size_t i = 0; i < p.paths.size(); ++i) {
-    within(p.paths[i].function, p.functions);
-    fit = fit && (i == 0 ? p.paths[i].parent == 0 : p.paths[i].parent < i);
-  }
-  for (const auto& g : p.groups) {
-    within(g.id, p.ids);
-    within(g.color, p.colors);
-    within(g.line, p.lines);
-    within(g.path, p.paths);
-    within(g.process, p.processes);
-    within(g.query, p.queries);
-  }
-  for (const auto& h : p.histograms) within(h.id, p.ids);
-  for (const auto& h : p.heap) {
-    within(h.path, p.paths);
-    within(h.process, p.processes);
-  }
-  for (const auto& s : p.timeline) {
-    for (const auto& level : s.changed) within(level.id, p.ids);
-  }
-  for (const auto& m : p.marks) {
-    for (const auto& level : m.changed) within(level.id, p.ids);
-  }
-  return fit;
-}
-
-bool is_blank(const profile& p) {
-  return p.ids.empty() && p.groups.empty() && p.paths.empty() && p.histograms.empty() &&
-         p.heap.empty() && p.timeline.empty() && p.marks.empty() && p.colors.empty();
-}
-
 }  // namespace
 
 bool read_profile(database& db, std::int64_t trace, profile& into, std::string& error) {
@@ -146,7 +108,7 @@ bool read_profile(database& db, std::int64_t trace, profile& into, std::string& 
   visit_lists(into, read);
   visit_levels(into, read);
   if (!read.done()) error = db.error();
-  const bool fits = read.fits() && (is_blank(into) || places_fit(into));
+  const bool fits = read.fits() && places_fit(into);
   if (read.done() && !fits) error = "the database is damaged: a trace does not fit together";
   return read.done() && fits;
 }

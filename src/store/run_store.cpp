@@ -5,33 +5,14 @@
 #include <utility>
 
 #include "store/profile_tables.h"
+#include "store/query.h"
+#include "store/run_list.h"
+#include "store/sqlite_row_target.h"
+#include "store/view_catalogue.h"
 #include "util/printable.h"
 
 namespace kiv::store {
 namespace {
-
-bool is_complete(const run_profile& run) {
-  return std::ranges::all_of(run.traces, [](const profile& p) { return p.complete(); });
-}
-
-// Says why two traces of a run cannot be told apart; empty when all can.
-std::string duplicate_of(const run_profile& run) {
-  std::set<std::pair<std::string_view, std::int64_t>> seen;
-  for (const auto& trace : run.traces) {
-    if (seen.emplace(trace.run, trace.pid).second) continue;
-    return "two traces of the run " + quoted_name(trace.run) + " with the process id " +
-           std::to_string(trace.pid) + "; is one trace named twice?";
-  }
-  return {};
-}
-
-std::string losses_of(const run_profile& run) {
-  for (const auto& trace : run.traces) {
-    if (trace.from_rows) return "it is known from its CSV tables alone";
-    if (!trace.losses.empty()) return "it lacks something: " + printable(trace.losses[0].what);
-  }
-  return "it is not complete";
-}
 
 std::string identifier(std::string_view name) {
   std::string text = "\"";
@@ -84,10 +65,9 @@ save_result run_store::save_within(const run_profile& run, const save_options& o
   stored.bind(1, std::string_view(run.name));
   const bool replaces = stored.step();
   if (stored.failed()) return fail();
-  const bool complete = is_complete(run);
-  if (replaces && stored.number(0) != 0 && !complete) {
-    error = "a complete run " + quoted_name(run.name) +
-            " is stored, and this one cannot replace it: " + losses_of(run);
+  const std::string incomplete = why_incomplete(run);
+  if (replaces && stored.number(0) != 0 && !incomplete.empty()) {
+    error = incomplete;
     return save_result::refused_incomplete;
   }
   stored = {};
@@ -99,14 +79,16 @@ save_result run_store::save_within(const run_profile& run, const save_options& o
   if (!insert) return fail();
   insert.bind(1, std::string_view(run.name));
   insert.bind(2, std::string_view(options.source));
-  insert.bind(3, std::int64_t{complete});
+  insert.bind(3, std::int64_t{incomplete.empty()});
   if (!insert.run()) return fail();
   const std::int64_t key = sqlite3_last_insert_rowid(db_.handle());
+  if (!write_labels(db_, key, options.labels)) return fail();
   for (const auto& trace : run.traces) {
     if (!write_profile(db_, key, trace)) return fail();
   }
   if (options.rows) {
-    const auto rows = options.rows(db_, run, error);
+    sqlite_row_target target(db_, row_schema_, run.name);
+    const auto rows = options.rows(target, run, error);
     if (!rows) return save_result::failed;
     statement note = db_.prepare("UPDATE run SET row_count = ?1 WHERE run = ?2");
     if (!note) return fail();
@@ -160,33 +142,7 @@ bool run_store::has_run(std::string_view name, std::string& error) {
 }
 
 std::optional<std::vector<run_info>> run_store::runs(std::string& error) {
-  std::vector<run_info> all;
-  statement list = db_.prepare("SELECT * FROM run_list");
-  while (list && list.step()) {
-    int next = 0;
-    const auto text = [&] { return std::string(list.text(next++)); };
-    const auto number = [&] { return static_cast<std::uint64_t>(list.number(next++)); };
-    const auto read_amount = [&](amount& a) {
-      a.blocks = number();
-      a.bytes = number();
-      a.tot_bytes = number();
-    };
-    run_info& run = all.emplace_back();
-    run.name = text();
-    run.imported_at = text();
-    run.source = text();
-    run.traces = number();
-    run.complete = number() != 0;
-    run.from_rows = number() != 0;
-    run.records = number();
-    for (amount* a : {&run.allocated, &run.leaked, &run.live, &run.peak}) read_amount(*a);
-    if (list.type(next) != SQLITE_NULL) run.rows = number();
-  }
-  if (!list || list.failed()) {
-    error = db_.error();
-    return std::nullopt;
-  }
-  return all;
+  return read_run_list(db_, error);
 }
 
 std::optional<std::string> run_store::latest_run(std::string& error) {
@@ -216,6 +172,25 @@ std::optional<run_profile> run_store::load(std::string_view name, std::string& e
   if (found) return run;
   error = "no run " + quoted_name(name);
   return std::nullopt;
+}
+
+std::unique_ptr<row_cursor> run_store::view(std::string_view view,
+                                            const std::optional<std::string>& run,
+                                            std::string& error) {
+  const auto* found = find_view(view);
+  if (found == nullptr) {
+    error = "no view " + quoted_name(view) + "; `kivdb views` lists them";
+    return nullptr;
+  }
+  if (!run) return prepare_query(db_, "SELECT * FROM " + std::string(found->name), {}, error);
+  if (!has_run(*run, error)) return nullptr;
+  return prepare_query(db_, select_of_one_run(*found), {*run}, error);
+}
+
+std::unique_ptr<row_cursor> run_store::select(std::string_view sql,
+                                              const std::vector<std::string>& texts,
+                                              std::string& error) {
+  return prepare_query(db_, sql, texts, error);
 }
 
 }  // namespace kiv::store

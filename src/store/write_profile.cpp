@@ -1,6 +1,7 @@
 #include <concepts>
 #include <string>
 
+#include "store/name_sums.h"
 #include "store/profile_columns.h"
 #include "store/profile_tables.h"
 
@@ -69,6 +70,23 @@ class profile_writer {
     }
   }
 
+  // By colour there is the id too.
+  void sums(const name_sums& sums) {
+    for (const auto& list : sums.lists()) {
+      const bool has_id = list.key == "color";
+      statement insert = db_.prepare(insert_into("sum_by_" + list.key, has_id ? 8 : 7));
+      done_ = done_ && insert;
+      for (const auto& sum : list.sums) {
+        if (!done_) return;
+        binder row(insert);
+        row(trace_, sum.place);
+        if (has_id) row(sum.id);
+        for (const auto bytes : sum.bytes) row(bytes);
+        done_ = insert.run();
+      }
+    }
+  }
+
   bool done() const { return done_; }
 
  private:
@@ -91,6 +109,7 @@ bool write_profile(database& db, std::int64_t run, const profile& p) {
   profile_writer write(db, sqlite3_last_insert_rowid(db.handle()));
   visit_lists(p, write);
   visit_levels(p, write);
+  write.sums(name_sums(p));
   return write.done();
 }
 

@@ -43,7 +43,7 @@ std::string expand(std::string_view text, const macro_table& macros) {
     if (close == std::string_view::npos) return all + std::string(text);
     all += text.substr(0, open);
     const auto macro = macros.find(text.substr(open + 2, close - open - 2));
-    if (macro != macros.end()) all += without_blank_ends(macro->second);
+    if (macro != macros.end()) all += expand(without_blank_ends(macro->second), macros);
     text.remove_prefix(close + 2);
   }
 }

@@ -16,8 +16,8 @@ struct sql_view {
   std::string select;            // with its macros expanded
 };
 
-// Reads views in the order of their files. `{{name}}` in a SELECT stands for the macro of that
-// name; the text `macros` holds each behind a line "-- name:".
+// Reads views in the order of their files. `{{name}}` in a SELECT, or in a macro, stands for the
+// macro of that name; the text `macros` holds each behind a line "-- name:".
 std::vector<sql_view> read_sql_views(std::span<const embedded_text> files, std::string_view macros);
 
 // Empty when there is no such file.

@@ -99,9 +99,42 @@ TEST_F(Kivdb, ADatabaseAnswersAsItsTracesDo) {
   EXPECT_NE(run.out.find("replaced"), std::string::npos) << run.out;
   EXPECT_EQ(kivdb("import A -o t.db --as 'it''s 1/2'").status, 0);
   EXPECT_EQ(read_json(kivdb("runs t.db --json").out).size(), 3u);
-  EXPECT_EQ(kivdb("forget t.db B A").status, 0);
+  ASSERT_EQ(kivdb("import A -o t.db --as L --label release=4.2 --label 'a b=x=1'").status, 0);
+  EXPECT_EQ(read_json(kivdb("runs t.db --json").out)[3]["labels"].scalar, "a b=x=1, release=4.2");
+  EXPECT_EQ(kivdb("show t.db labels --csv").out, "run,key,value\nL,a b,x=1\nL,release,4.2\n");
+  EXPECT_EQ(kivdb("forget t.db B A L").status, 0);
   EXPECT_EQ(read_json(kivdb("runs t.db --json").out)[0]["run"].scalar, "its 1/2");
   EXPECT_EQ(kivdb("sql t.db 'SELECT 1 AS one, NULL AS none' --csv").out, "one,none\n1,\n");
+}
+
+TEST_F(Kivdb, AFleetIsAskedByReleaseHostAndName) {
+  write_runs();
+  ASSERT_EQ(kivdb("import A -o t.db --label release=1").status, 0);
+  ASSERT_EQ(kivdb("import B -o t.db --label release=2").status, 0);
+  ASSERT_EQ(kivdb("import C -o t.db").status, 0);
+  auto run = kivdb("fleet t.db --json --by id --leaked-above 120 --runs 2 --beyond 1.25");
+  ASSERT_EQ(run.status, 0) << run.err;
+  auto json = read_json(run.out);
+  ASSERT_EQ(json["summary"].size(), 3u);
+  EXPECT_EQ(json["summary"][1]["release"].scalar, "2");
+  EXPECT_EQ(json["summary"][1]["median_leaked_bytes"].number(), 170);
+  EXPECT_EQ(json["summary"][2]["release"].scalar, "");
+  EXPECT_EQ(json["summary"][2]["incomplete"].number(), 1);
+  EXPECT_EQ(json["hosts"].size(), 3u);
+  EXPECT_EQ(json["outliers"].size(), 0u);
+  EXPECT_EQ(json["first_leaks"][0]["run"].scalar, "B");
+  EXPECT_EQ(json["first_leaks"][0]["leaked_bytes"].number(), 170);
+  EXPECT_EQ(json["label"].scalar, "release");
+
+  run = kivdb("fleet t.db --csv --only growth --only summary --top 1");
+  EXPECT_TRUE(run.out.starts_with("kind,program,release,runs,incomplete,median_peak_bytes"))
+      << run.out;
+  EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 2) << run.out;
+  run = kivdb("fleet t.db --only summary");
+  EXPECT_NE(run.out.find("3 runs of 1 program on 1 host\n1 run NOT COMPLETE"), std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find("(none)"), std::string::npos) << run.out;
+  EXPECT_EQ(run.out.find("Hosts"), std::string::npos) << run.out;
 }
 
 TEST_F(Kivdb, OnlyCompleteRunsPassAGate) {
@@ -183,7 +216,21 @@ TEST_F(Kivdb, WrongUsageIsStatus1) {
                                 "import A -o ''",
                                 "import A -o u.db --as ''",
                                 "import A B -o u.db --as X",
+                                "import A -o u.db --label ''",
+                                "import A -o u.db --label release",
+                                "import A -o u.db --label =4.2",
+                                "import A -o u.db --label release=",
+                                "import A -o u.db --label a=1 --label b=2 --label a=3",
                                 "trend t.db --last 0",
+                                "fleet",
+                                "fleet t.db --label ''",
+                                "fleet t.db --by path",
+                                "fleet t.db --of size",
+                                "fleet t.db --beyond 0.5",
+                                "fleet t.db --beyond two",
+                                "fleet t.db --leaked-above 1T",
+                                "fleet t.db --runs 1",
+                                "fleet t.db --only nothing",
                                 "forget t.db",
                                 "show t.db",
                                 "sql t.db",
@@ -223,6 +270,8 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
       {"show t.db nothing", "nothing"},
       {"show text by_line", "text: "},
       {"trend A", "A: "},
+      {"fleet A", "A: "},
+      {"fleet nowhere.db", "nowhere.db: "},
       {"runs nowhere.db", "nowhere.db: "},
       {"forget t.db NOPE", "'NOPE'"},
       {"forget nowhere.db A", "nowhere.db: "},
@@ -410,14 +459,16 @@ TEST_F(Kivdb, ExportsAddUpAsTheReportDoes) {
 }
 
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
-  for (const std::string command : {"import", "report", "tree", "diff", "html", "export", "trend",
-                                    "runs", "forget", "show", "views", "sql"}) {
+  for (const std::string command :
+       {"import", "report", "tree", "diff", "html", "export", "trend", "fleet", "runs", "forget",
+        "show", "views", "sql", "schema", "setup", "prune"}) {
     const auto run = kivdb(command + " --help");
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("Example: kivdb " + command), std::string::npos) << run.out;
-    const bool has_formats_of_its_own = command == "export";
-    EXPECT_NE(run.out.find(has_formats_of_its_own ? "--format" : "--json"), std::string::npos)
-        << command;
+    const char* output = command == "export"   ? "--format"
+                         : command == "schema" ? "--cluster"
+                                               : "--json";
+    EXPECT_NE(run.out.find(output), std::string::npos) << command;
   }
   EXPECT_EQ(kivdb("--version").out.substr(0, 6), "kivdb ");
 }

@@ -10,7 +10,7 @@
 
 #include "rows/load_rows.h"
 #include "rows/profile_from_rows.h"
-#include "store/query.h"
+#include "rows/row_tables.h"
 #include "store/run_store.h"
 #include "support/run_trace.h"
 
@@ -107,14 +107,14 @@ class rows_test : public ::testing::Test {
   store::save_result load(const std::string& source, const run_profile& run,
                           const rows::row_options& options = {}) {
     const auto* files = plan(source);
-    store::run_store s;
+    store::run_store s(rows::row_schema_sql());
     if (files == nullptr || !s.open(dir_ / "t.db", store::open_mode::create, error_)) {
       return store::save_result::failed;
     }
-    store::save_options with_rows{
-        source, [&](store::database& db, const run_profile& p, std::string& error) {
-          return rows::load_rows(db, *files, options, p, rejected_, error);
-        }};
+    store::save_options with_rows{source};
+    with_rows.rows = [&](store::row_target& target, const run_profile& p, std::string& error) {
+      return rows::load_rows(target, *files, options, p, rejected_, error);
+    };
     return s.save(run, with_rows, error_);
   }
 
@@ -123,7 +123,7 @@ class rows_test : public ::testing::Test {
     store::run_store s;
     std::vector<std::string> all;
     if (!s.open(dir_ / "t.db", store::open_mode::read_only, error_)) return {"! " + error_};
-    auto q = store::prepare_query(s, sql, error_);
+    auto q = s.select(sql, {}, error_);
     if (!q) return {"! " + error_};
     while (q->step()) {
       auto& row = all.emplace_back();

@@ -2,6 +2,7 @@
 
 #include "rows/row_tables.h"
 #include "rows_fixture.h"
+#include "store/sqlite_row_target.h"
 #include "tsql.h"
 
 namespace kiv::test {
@@ -16,7 +17,9 @@ class ServerViews : public rows_test {
     ASSERT_TRUE(run_) << error_;
     ASSERT_TRUE(db_.open(dir_ / "rows.db", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE));
     ASSERT_TRUE(db_.exec("CREATE TABLE row_table (name TEXT PRIMARY KEY); BEGIN"));
-    const auto count = rows::load_rows(db_, plan_.runs.at(0), {}, *run_, rejected_, error_);
+    const std::string schema = rows::row_schema_sql();
+    store::sqlite_row_target target(db_, schema, run_->name);
+    const auto count = rows::load_rows(target, plan_.runs.at(0), {}, *run_, rejected_, error_);
     ASSERT_TRUE(count) << error_;
     ASSERT_TRUE(db_.exec("COMMIT; DROP VIEW block"));
     for (const auto& v : server::views()) {
@@ -90,7 +93,8 @@ TEST_F(ServerViews, AgreeWithTheProfile) {
 TEST_F(ServerViews, GeneratedScriptsAreUpToDate) {
   ASSERT_EQ(std::system((KIV_MAKE_SCHEMAS " " + dir_.path()).c_str()), 0);
   for (const std::string file : {"sqlite/schema.sql", "sqlite/rows.sql", "sqlserver/1_tables.sql",
-                                 "sqlserver/2_procedures.sql", "sqlserver/3_views.sql"}) {
+                                 "sqlserver/2_procedures.sql", "sqlserver/3_views.sql",
+                                 "clickhouse/server.sql", "clickhouse/cluster.sql"}) {
     EXPECT_EQ(
         first_difference(read_file(dir_ / file), read_file(KIV_SOURCE_DIR "/database/" + file)), "")
         << file << ": write it anew with make_schemas database";

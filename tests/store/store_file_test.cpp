@@ -104,7 +104,8 @@ TEST_F(StoreFile, ImportsFollowEachOther) {
     const pid_t third = in_child([&] {
       const store::save_options failing{
           "",
-          [](store::database&, const run_profile&, std::string&) -> std::optional<std::uint64_t> {
+          {},
+          [](store::row_target&, const run_profile&, std::string&) -> std::optional<std::uint64_t> {
             return std::nullopt;
           }};
       return save(small_run("C", 1), failing) == save_result::failed;
@@ -120,14 +121,16 @@ TEST_F(StoreFile, ReadersAndImportsDoNotWaitForEachOther) {
   ASSERT_EQ(save({"R", {rich_profile("R", 1, 100)}}), save_result::saved);
   run_store slow;
   ASSERT_TRUE(slow.open(file(), open_mode::read_only, error_));
-  auto query = store::prepare_query(slow, "SELECT place FROM block_group", error_);
+  auto query = slow.select("SELECT place FROM block_group", {}, error_);
   ASSERT_TRUE(query);
   ASSERT_TRUE(query->step());
 
   const auto start = std::chrono::steady_clock::now();
   bool read_meanwhile = false;
   const store::save_options options{
-      "", [&](store::database&, const run_profile&, std::string&) -> std::optional<std::uint64_t> {
+      "",
+      {},
+      [&](store::row_target&, const run_profile&, std::string&) -> std::optional<std::uint64_t> {
         read_meanwhile = names() == texts{"R"};
         return 0;
       }};
@@ -166,7 +169,7 @@ TEST_F(StoreFile, ReadsWhereNothingCanBeWritten) {
     std::string error;
     if (!s.open(file(), open_mode::create, error)) return true;
     if (!reader.open(file(), open_mode::read_only, error)) return true;
-    auto query = store::prepare_query(reader, "SELECT run FROM run", error);
+    auto query = reader.select("SELECT run FROM run", {}, error);
     if (!query || !query->step()) return true;
     if (s.save(small_run("S", 1), {}, error) != save_result::saved) return true;
     kill(getpid(), SIGKILL);

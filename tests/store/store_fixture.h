@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "sample_profile.h"
-#include "store/query.h"
 #include "store/run_store.h"
 
 namespace kiv::test {
@@ -34,7 +33,9 @@ class store_test : public ::testing::Test {
   std::string file(const std::string& name = "t.db") const { return (dir_ / name).string(); }
 
   save_result save(const run_profile& run, const store::save_options& options = {"src"}) {
-    run_store s;
+    run_store s(
+        "CREATE TABLE IF NOT EXISTS memory (run_id TEXT, rec INTEGER);"
+        "INSERT OR IGNORE INTO row_table VALUES ('memory')");
     error_.clear();
     if (!s.open(file(), open_mode::create, error_)) return save_result::failed;
     return s.save(run, options, error_);
@@ -58,7 +59,7 @@ class store_test : public ::testing::Test {
     run_store s;
     std::vector<std::string> all;
     if (!s.open(file(), open_mode::read_only, error_)) return {"! " + error_};
-    auto q = store::prepare_query(s, sql, error_);
+    auto q = s.select(sql, {}, error_);
     if (!q) return {"! " + error_};
     while (q->step()) {
       auto& row = all.emplace_back();
@@ -70,7 +71,7 @@ class store_test : public ::testing::Test {
                                                     : std::string(q->text(i));
       }
     }
-    if (q->failed()) all.push_back("! " + s.connection().error());
+    if (q->failed()) all.push_back("! " + q->error());
     return all;
   }
 

@@ -44,7 +44,7 @@ TEST_F(Store, TakesAnyName) {
     const auto run = s.load(name, error_);
     ASSERT_TRUE(run) << error_;
     EXPECT_EQ(run->traces.at(0).groups[0].leaked().bytes, 20u);
-    auto view = store::prepare_view(s, "by_id", name, error_);
+    auto view = s.view("by_id", name, error_);
     ASSERT_TRUE(view) << error_;
     ASSERT_TRUE(view->step());
     EXPECT_EQ(view->text(0), name);
@@ -112,22 +112,48 @@ TEST_F(Store, KnowsTheOrderOfImports) {
   EXPECT_EQ(error_, "holds no runs");
 }
 
+// Labels are those of the last import under a name, in the order of their keys.
+TEST_F(Store, KeepsTheLabelsOfRuns) {
+  const std::string odd("it's \xff\n=\t\\\0;", 12);
+  const auto labels_of = [&](const std::string& name) -> store::run_labels {
+    run_store s;
+    if (!s.open(file(), open_mode::read_only, error_)) return {{"!", error_}};
+    const auto all = s.runs(error_);
+    if (!all) return {{"!", error_}};
+    for (const auto& run : *all) {
+      if (run.name == name) return run.labels;
+    }
+    return {{"!", "no run"}};
+  };
+  const store::run_labels first = {{"release", "4.1"}, {odd, odd}, {"a", "x"}};
+  ASSERT_EQ(save(small_run("A", 1), {"src", first}), save_result::saved);
+  ASSERT_EQ(save(small_run("B", 1), {"src", {{"release", "4.2"}}}), save_result::saved);
+  EXPECT_EQ(labels_of("A"), (store::run_labels{{"a", "x"}, {odd, odd}, {"release", "4.1"}}));
+  ASSERT_EQ(save(small_run("A", 1), {"src", {{"release", "5"}}}), save_result::replaced);
+  EXPECT_EQ(labels_of("A"), (store::run_labels{{"release", "5"}}));
+  EXPECT_EQ(labels_of("B"), (store::run_labels{{"release", "4.2"}}));
+  ASSERT_EQ(save(small_run("A", 1)), save_result::replaced);
+  EXPECT_EQ(labels_of("A"), store::run_labels());
+  run_store s;
+  ASSERT_TRUE(s.open(file(), open_mode::create, error_));
+  ASSERT_TRUE(s.forget(texts{"B"}, error_));
+  EXPECT_EQ(rows("SELECT * FROM run_label"), texts());
+}
+
 // Rows are part of the save: they come and go with it.
 TEST_F(Store, SavesRowsInTheSameTransaction) {
   const auto with_rows = [](bool succeed) {
-    return store::save_options{"src",
-                               [succeed](store::database& db, const run_profile& run,
-                                         std::string& error) -> std::optional<std::uint64_t> {
-                                 EXPECT_TRUE(db.exec(
-                                     "CREATE TABLE IF NOT EXISTS memory (run_id TEXT, rec INTEGER);"
-                                     "INSERT OR IGNORE INTO row_table VALUES ('memory')"));
-                                 auto insert = db.prepare("INSERT INTO memory VALUES (?, 1)");
-                                 insert.bind(1, std::string_view(run.name));
-                                 EXPECT_TRUE(insert.run());
-                                 error = "row 2 is bad";
-                                 if (!succeed) return std::nullopt;
-                                 return 1;
-                               }};
+    store::save_options options{"src"};
+    options.rows = [succeed](store::row_target& target, const run_profile&,
+                             std::string& error) -> std::optional<std::uint64_t> {
+      const store::row_column rec[] = {{"rec", 0, false}};
+      const store::row_value row[] = {{"1", 1}};
+      EXPECT_TRUE(target.begin("memory", rec) && target.write(row) && target.finish());
+      error = "row 2 is bad";
+      if (!succeed) return std::nullopt;
+      return 1;
+    };
+    return options;
   };
   EXPECT_EQ(save(small_run("A", 1), with_rows(false)), save_result::failed);
   EXPECT_EQ(error_, "row 2 is bad");
@@ -183,14 +209,14 @@ TEST_F(Store, RunsOneReadingStatementOnly) {
   run_store s;
   ASSERT_TRUE(s.open(file(), open_mode::read_only, error_));
   for (const auto& c : cases) {
-    const auto q = store::prepare_query(s, c.sql, error_);
-    EXPECT_EQ(q.has_value(), c.error == nullptr) << c.sql << ": " << error_;
+    const auto q = s.select(c.sql, {}, error_);
+    EXPECT_EQ(q != nullptr, c.error == nullptr) << c.sql << ": " << error_;
     const std::string reason = c.error == nullptr ? "" : c.error;
     EXPECT_NE(error_.find(reason), std::string::npos) << error_;
   }
-  EXPECT_FALSE(store::prepare_view(s, "nothing", std::nullopt, error_));
+  EXPECT_FALSE(s.view("nothing", std::nullopt, error_));
   EXPECT_NE(error_.find("no view 'nothing'"), std::string::npos);
-  EXPECT_FALSE(store::prepare_view(s, "by_id", "NOPE", error_));
+  EXPECT_FALSE(s.view("by_id", "NOPE", error_));
   EXPECT_EQ(error_, "no run 'NOPE'");
 }
 

@@ -10,12 +10,18 @@ namespace {
 
 class StoreViews : public store_test {};
 
+const store::save_options labelled{"src", {{"host", "h1"}, {"release", "4.2"}}};
+
+// Those whose rows are not of a run.
+bool is_of_all_runs(const sql_view& view) { return view.name == "fleet_summary"; }
+
 TEST_F(StoreViews, AllAreDescribedAndCanBeRead) {
-  ASSERT_EQ(save({"R", {rich_profile("R", 1)}}), save_result::saved);
+  ASSERT_EQ(save({"R", {rich_profile("R", 1)}}, labelled), save_result::saved);
   EXPECT_GT(store::views().size(), 20u);
   for (const auto& view : store::views()) {
     EXPECT_GT(view.description.size(), 10u) << view.name;
     EXPECT_EQ(view.select.find("{{"), std::string_view::npos) << view.name;
+    if (is_of_all_runs(view)) continue;
     const auto all = rows("SELECT * FROM " + std::string(view.name) + " WHERE run = 'R'");
     ASSERT_FALSE(all.empty()) << view.name;
     EXPECT_NE(all.back()[0], '!') << view.name << ": " << all.back();
@@ -32,11 +38,12 @@ TEST_F(StoreViews, TakeOneRunAlone) {
     g[figure::made].bytes += 7;
     other.groups.push_back(g);
   }
-  ASSERT_EQ(save({"R", {rich_profile("R", 1), rich_profile("R", 2, 2)}}), save_result::saved);
-  ASSERT_EQ(save({"S", {other}}), save_result::saved);
+  ASSERT_EQ(save({"R", {rich_profile("R", 1), rich_profile("R", 2, 2)}}, labelled),
+            save_result::saved);
+  ASSERT_EQ(save({"S", {other}}, labelled), save_result::saved);
   run_store s;
   ASSERT_TRUE(s.open(file(), open_mode::read_only, error_));
-  const auto read = [](std::optional<store::query> q) {
+  const auto read = [](std::unique_ptr<store::row_cursor> q) {
     texts all;
     while (q && q->step()) {
       auto& row = all.emplace_back();
@@ -47,13 +54,12 @@ TEST_F(StoreViews, TakeOneRunAlone) {
     return all;
   };
   for (const auto& view : store::views()) {
+    if (is_of_all_runs(view)) continue;
     for (const std::string run : {"R", "S"}) {
-      const auto one = read(store::prepare_view(s, view.name, run, error_));
+      const auto one = read(s.view(view.name, run, error_));
       EXPECT_FALSE(one.empty()) << view.name << error_;
-      EXPECT_EQ(
-          one,
-          read(store::prepare_query(
-              s, "SELECT * FROM " + std::string(view.name) + " WHERE run = '" + run + "'", error_)))
+      EXPECT_EQ(one, read(s.select("SELECT * FROM " + std::string(view.name) + " WHERE run = ?",
+                                   {run}, error_)))
           << view.name;
     }
   }
@@ -85,6 +91,15 @@ TEST_F(StoreViews, EveryKeyAddsUpToTheGroups) {
           << view << ' ' << name;
     }
   }
+  for (const char* key : {"id", "color", "line", "function", "process", "query"}) {
+    for (const char* name : {"leaked", "peak", "allocated", "live", "temporary"}) {
+      EXPECT_EQ(rows("SELECT sum(" + std::string(name) + "_bytes) FROM fleet_by_" + key),
+                texts{std::to_string(sums[name].bytes)})
+          << key << ' ' << name;
+    }
+  }
+  EXPECT_EQ(rows("SELECT sum(leaked_bytes) FROM fleet_trace"),
+            texts{std::to_string(sums["leaked"].bytes)});
 }
 
 TEST_F(StoreViews, ShowNamesAsTexts) {
@@ -104,6 +119,10 @@ TEST_F(StoreViews, ShowNamesAsTexts) {
       {"SELECT depth, path FROM paths ORDER BY 1",
        {"0|(no function)", "1|libx:f", "2|libx:f > liby:g<int, char>",
         "3|libx:f > liby:g<int, char> > libx:f"}},
+      {"SELECT DISTINCT name FROM fleet_by_color ORDER BY 1",
+       {"big / red", "oic cache / red", "unknown id / unknown colour"}},
+      {"SELECT DISTINCT name FROM fleet_by_function ORDER BY 1",
+       {"libx:f", "liby:g<int, char>", "unknown"}},
       {"SELECT process_pid, process_name FROM by_process ORDER BY 1",
        {"0|default process", "7|app"}},
       {"SELECT kind, from_size, to_size, blocks FROM sizes ORDER BY 2",
@@ -118,6 +137,27 @@ TEST_F(StoreViews, ShowNamesAsTexts) {
       {"SELECT complete, from_rows, records FROM run_summary", {"0|0|4000000000000"}},
   };
   for (const auto& c : cases) EXPECT_EQ(rows(c.sql), c.expected) << c.sql;
+}
+
+// Blocks of several ids may have the unknown colour, and blocks without bytes have a name too.
+TEST_F(StoreViews, AFleetHasTheNamesOfGroups) {
+  run_profile run = small_run("R", 5);
+  profile& p = run.traces[0];
+  block_group g;
+  g[figure::made] = g[figure::at_peak] = {1, 7, 8};
+  p.groups.push_back(g);
+  p.lines = {"unknown line", "a.c:1", "a.c:2"};
+  g[figure::made] = g[figure::at_peak] = {1, 0, 0};
+  g.id = 1;
+  g.line = 2;
+  p.groups.push_back(g);
+  ASSERT_EQ(save(run), save_result::saved);
+  EXPECT_EQ(rows("SELECT name, allocated_bytes, leaked_bytes, peak_bytes FROM fleet_by_color"),
+            (texts{"unknown id / unknown colour|7|0|7", "cache / unknown colour|5|5|0"}));
+  EXPECT_EQ(rows("SELECT name, allocated_bytes FROM fleet_by_line"),
+            (texts{"unknown line|12", "a.c:2|0"}));
+  EXPECT_EQ(rows("SELECT id_name, allocated_bytes FROM by_color ORDER BY 2 DESC"),
+            (texts{"unknown id|7", "cache|5"}));
 }
 
 // The text of a path is bounded, and so is the time for all of them.

@@ -38,6 +38,21 @@ CASE g.no_free WHEN 0 THEN 'with free' ELSE 'no free' END AS kind
   SUM(g.temporary_tot_bytes) AS temporary_tot_bytes,
   SUM(g.resizes) AS resizes
 
+-- Of the sums g of a trace by one of its names.
+
+-- fleet_place:
+r.name AS run, r.run AS import_order, t.program, t.host
+
+-- fleet_figures:
+  g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
+
+-- fleet_traces:
+SELECT {{fleet_place}}, t.pid,
+  CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
+FROM trace t JOIN run r ON r.run = t.run
+
 -- process:
 p.pid AS process_pid, p.name AS process_name
 

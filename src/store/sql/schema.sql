@@ -11,6 +11,14 @@ CREATE TABLE run (
   row_count INTEGER                       -- of the CSV tables; NULL when they were not loaded
 );
 
+-- What runs were given at their import.
+CREATE TABLE run_label (
+  run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  key TEXT NOT NULL,
+  value TEXT NOT NULL,
+  PRIMARY KEY (run, key)
+) WITHOUT ROWID;
+
 CREATE TABLE trace (
   trace INTEGER PRIMARY KEY,
   run INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
@@ -146,6 +154,76 @@ CREATE TABLE block_group (
   temporary_blocks INTEGER NOT NULL,
   temporary_bytes INTEGER NOT NULL,
   temporary_tot_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+-- The groups added up by one of their names, the function being the innermost of the path: far fewer
+-- rows for questions about many runs. Names of no group have none.
+
+CREATE TABLE sum_by_id (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_color (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  id INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place, id)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_line (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_function (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_process (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
+  PRIMARY KEY (trace, place)
+) WITHOUT ROWID;
+
+CREATE TABLE sum_by_query (
+  trace INTEGER NOT NULL REFERENCES trace ON DELETE CASCADE,
+  place INTEGER NOT NULL,
+  allocated_bytes INTEGER NOT NULL,
+  leaked_bytes INTEGER NOT NULL,
+  live_bytes INTEGER NOT NULL,
+  peak_bytes INTEGER NOT NULL,
+  temporary_bytes INTEGER NOT NULL,
   PRIMARY KEY (trace, place)
 ) WITHOUT ROWID;
 

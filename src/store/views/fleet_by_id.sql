@@ -1,0 +1,5 @@
+-- bytes of the traces of all runs by allocation id, with program and host; several rows may have one name
+SELECT {{fleet_place}}, n.name AS name,
+{{fleet_figures}}
+FROM sum_by_id g {{of_trace}}
+JOIN id_name n ON n.trace = g.trace AND n.place = g.place

@@ -1,0 +1,2 @@
+-- program, host, peak and leaks of the traces of all runs
+{{fleet_traces}}
