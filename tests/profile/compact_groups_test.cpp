@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -31,7 +32,8 @@ struct live_block {
   amount made, now;
 };
 
-// Some groups get one block, some many; blocks are resized, ended, moved to other groups.
+// Some groups get one block, some many; blocks are resized, ended, moved to other groups. Places
+// of groups without blocks are given to others.
 TEST(CompactGroups, GiveTheFiguresOfPlainSums) {
   std::mt19937 random(7);
   const auto below = [&](std::uint64_t limit) { return random() % limit; };
@@ -40,12 +42,26 @@ TEST(CompactGroups, GiveTheFiguresOfPlainSums) {
     plain_groups plain;
     std::vector<live_block> live;
     std::string aside;
+    std::set<compact_groups::place> released;
+    const auto add = [&](std::uint32_t line) {
+      const compact_groups::place added = groups.add({line, 0, 0, 0});
+      EXPECT_EQ(groups.key(added).line, line);
+      EXPECT_TRUE(groups.is_empty(added));
+      if (released.erase(added) == 0) plain.all.emplace_back();
+      EXPECT_EQ(groups.size(), plain.all.size());
+      EXPECT_EQ(groups.released(), released.size());
+      return added;
+    };
+    const auto release = [&](compact_groups::place which) {
+      groups.release(which);
+      released.insert(which);
+    };
     for (int step = 0; step < 3000; ++step) {
-      if (plain.all.empty() || below(3) == 0) {
-        groups.add({static_cast<std::uint32_t>(step), 0, 0, 0});
-        plain.all.emplace_back();
+      if (plain.all.size() == released.size() || below(3) == 0) {
+        add(static_cast<std::uint32_t>(step));
       }
       const auto group = static_cast<compact_groups::place>(below(plain.all.size()));
+      if (released.contains(group)) continue;
       const auto choice = below(20);
       if (choice < 9) {
         // Now and then a size that 32 bits do not hold.
@@ -76,13 +92,14 @@ TEST(CompactGroups, GiveTheFiguresOfPlainSums) {
         block.now += {0, 3, std::uint64_t(0) - 2};
       } else if (choice < 17) {
         const auto to = static_cast<compact_groups::place>(below(plain.all.size()));
-        if (to == group) continue;
+        if (to == group || released.contains(to)) continue;
         groups.move_figures(group, to);
         plain.all[to] += plain.all[group];
         plain.all[group] = {};
         for (auto& block : live) {
           if (block.group == group) block.group = to;
         }
+        release(group);
       } else if (choice < 18) {
         groups.peak_reached();
         plain.peak();
@@ -91,16 +108,17 @@ TEST(CompactGroups, GiveTheFiguresOfPlainSums) {
         groups.forget(group);
         plain.aside.push_back(plain.all[group]);
         plain.all[group] = {};
+        release(group);
       }
     }
     groups.settle_peaks();
     std::string_view saved = aside;
     for (const group_figures& one : plain.aside) {
-      ASSERT_TRUE(groups.load(saved, groups.add({})));
-      plain.all.push_back(one);
+      const compact_groups::place place = add(0);
+      ASSERT_TRUE(groups.load(saved, place));
+      plain.all[place] = one;
     }
-    EXPECT_FALSE(groups.load(saved, groups.add({})));
-    plain.all.emplace_back();
+    EXPECT_FALSE(groups.load(saved, add(0)));
     for (compact_groups::place i = 0; i < groups.size(); ++i) {
       const group_figures all = groups.get(i);
       EXPECT_EQ(all.figures, plain.all[i].figures) << round << ' ' << i;
