@@ -1,8 +1,8 @@
 #!/bin/sh
-# clickhouse.sh start|stop [DIRECTORY]: two servers of Debian's package as two shards of the cluster
+# clickhouse.sh start|stop [DIRECTORY [1|2]]: two servers of Debian's package as two shards of the cluster
 # kiv_test, on loopback, with all that they write in DIRECTORY (build/clickhouse unless told). `start`
 # prints NAME=VALUE lines: the URL of each shard as the user who may do all and as the one who may
-# only read, and the process ids. `start N` within DIRECTORY starts only server N, `stop N` stops it.
+# only read, and the process ids. With 1 or 2 behind DIRECTORY it is about that server alone.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -111,6 +111,7 @@ wait_for() {
 start() {
   for n in $servers; do
     is_running "$n" && continue
+    ! answers "$n" || { echo "clickhouse: another server has the port $(http_port "$n")" >&2; exit 1; }
     write_config "$n"
     launch "$n"
   done
