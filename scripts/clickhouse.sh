@@ -62,6 +62,7 @@ write_config() {
   <default_profile>default</default_profile>
   <default_database>default</default_database>
   <mlock_executable>false</mlock_executable>
+  <merge_tree><old_parts_lifetime>20</old_parts_lifetime></merge_tree>
   <compression><case><min_part_size>0</min_part_size><min_part_size_ratio>0</min_part_size_ratio>
     <method>zstd</method></case></compression>
   <remote_servers><kiv_test>$(shard 1)$(shard 2)</kiv_test></remote_servers>
