@@ -1,3 +1,7 @@
 #include "kivdb/command_line.h"
+#include "util/large_pages.h"
 
-int main(int argc, char** argv) { return kiv::db::kivdb_main(argc, argv); }
+int main(int argc, char** argv) {
+  kiv::prefer_large_pages_for_heap();
+  return kiv::db::kivdb_main(argc, argv);
+}

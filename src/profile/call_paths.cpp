@@ -35,37 +35,43 @@ std::uint32_t call_paths::current(const KivProcess& process) {
 std::uint32_t call_paths::step_into(std::uint32_t parent, const Func_rel& function) {
   const std::uint32_t place = function_of(function);
   if (const std::uint32_t known = find(parent, place); known != 0) return known;
-  if (paths_.size() < max_paths) return add(parent, place);
+  if (nodes_.size() < max_paths) return add(parent, place);
   ++calls_left_out_;
   return parent;
 }
 
 std::uint32_t call_paths::find(std::uint32_t parent, std::uint32_t function) const {
-  const siblings& callees = siblings_[parent];
-  for (std::uint32_t path = callees.first_child; path != 0; path = siblings_[path].next) {
-    if (paths_[path].function == function) return path;
+  for (std::uint32_t path = nodes_[parent].first_child; path != 0; path = nodes_[path].next) {
+    if (nodes_[path].function == function) return path;
   }
-  if (callees.followed < max_followed) return 0;
+  if (nodes_[parent].followed < max_followed) return 0;
   const auto entry = index_.find({parent, function});
   return entry == index_.end() ? 0 : entry->second;
 }
 
 std::uint32_t call_paths::add(std::uint32_t parent, std::uint32_t function) {
-  const auto path = static_cast<std::uint32_t>(paths_.size());
-  paths_.push_back({parent, function});
-  siblings_.emplace_back();
-  if (siblings_[parent].followed < max_followed) {
-    ++siblings_[parent].followed;
-    siblings_[path].next = std::exchange(siblings_[parent].first_child, path);
+  const auto path = static_cast<std::uint32_t>(nodes_.size());
+  node& added = nodes_.emplace_back(node{.parent = parent, .function = function});
+  node& caller = nodes_[parent];
+  if (caller.followed < max_followed) {
+    ++caller.followed;
+    added.next = std::exchange(caller.first_child, path);
   } else {
     index_.emplace(std::pair(parent, function), path);
   }
   return path;
 }
 
-// A function keeps its number plus one.
+// What a number was given to keeps it plus one.
 std::uint32_t call_paths::function_of(const Func_rel& function) {
-  if (function.observed_as == 0) function.observed_as = find_or_add_function(function.location) + 1;
+  if (function.observed_as != 0) return function.observed_as - 1;
+  const Func_loc* location = function.location;
+  if (location == nullptr) {
+    function.observed_as = find_or_add_function(nullptr) + 1;
+  } else {
+    if (location->observed_as == 0) location->observed_as = find_or_add_function(location) + 1;
+    function.observed_as = location->observed_as;
+  }
   return function.observed_as - 1;
 }
 
@@ -86,7 +92,10 @@ std::uint32_t call_paths::find_or_add_function(const Func_loc* location) {
 }
 
 void call_paths::finish(profile& into) {
-  into.paths = std::move(paths_);
+  into.paths.reserve(nodes_.size());
+  for (const node& path : nodes_) into.paths.push_back({path.parent, path.function});
+  into.paths_differ = true;
+  nodes_ = {};
   into.functions = std::move(functions_);
 }
 

@@ -33,7 +33,8 @@ class call_paths {
 
  private:
   // Paths that end in the same caller form a list as far as it is short; the others are looked up.
-  struct siblings {
+  struct node {
+    std::uint32_t parent = 0, function = 0;
     std::uint32_t first_child = 0, next = 0;  // 0: none
     std::uint32_t followed = 0;               // children in the list
   };
@@ -48,8 +49,7 @@ class call_paths {
   static constexpr std::size_t max_paths = 1'000'000;
 
   const kiv_reader& reader_;
-  std::vector<call_path> paths_{1};
-  std::vector<siblings> siblings_{1};  // by path
+  std::vector<node> nodes_{1};  // by path
   absl::flat_hash_map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> index_;
   std::vector<profile_function> functions_;
   absl::flat_hash_map<std::pair<std::string, std::string>, std::uint32_t> function_index_;

@@ -7,6 +7,13 @@
 namespace kiv {
 
 compact_groups::place compact_groups::add(const compact_key& key) {
+  if (released_ > 0) {
+    --released_;
+    const place taken = first_released_;
+    first_released_ = at(taken).size;
+    at(taken) = {.key = key, .peaks_seen = peaks_};
+    return taken;
+  }
   if (size_ % chunk_size == 0) chunks_.emplace_back().reserve(chunk_size);
   group& added = chunks_.back().emplace_back();
   added.key = key;
@@ -14,7 +21,13 @@ compact_groups::place compact_groups::add(const compact_key& key) {
   return size_++;
 }
 
+void compact_groups::release(place which) {
+  at(which).size = std::exchange(first_released_, which);
+  ++released_;
+}
+
 void compact_groups::drop_last() {
+  released_ = 0;
   forget_full(at(size_ - 1));
   chunks_.back().pop_back();
   --size_;

@@ -31,10 +31,14 @@ class compact_groups {
  public:
   using place = std::uint32_t;
 
+  // Places, those that were released included.
   std::size_t size() const { return size_; }
-  // A group without blocks.
+  std::size_t released() const { return released_; }
+  // A group without blocks, in a place that was released if there is one.
   place add(const compact_key& key);
-  // Takes the last group away.
+  // Gives the place of a group without blocks to one that is added later.
+  void release(place which);
+  // Takes the last group away. Places that were released before are not given out any more.
   void drop_last();
 
   const compact_key& key(place which) const { return at(which).key; }
@@ -82,7 +86,7 @@ class compact_groups {
   struct group {
     compact_key key;
     std::uint32_t state = no_block;  // else a place in full_, or `single` with the block's state
-    std::uint32_t size = 0;          // of the single block
+    std::uint32_t size = 0;          // of the single block; of a released place the next one
     std::uint32_t tot_size = 0;
     std::uint32_t peaks_seen = 0;  // the number, modulo 2^32, of the latest peak that counts here
   };
@@ -116,6 +120,8 @@ class compact_groups {
   std::vector<std::vector<group_figures>> full_;
   std::vector<std::uint32_t> free_full_;
   place size_ = 0;
+  std::size_t released_ = 0;
+  place first_released_ = 0;  // while there are any; `size` of each has the next one
   std::uint32_t peaks_ = 0;
 };
 

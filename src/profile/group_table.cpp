@@ -42,13 +42,7 @@ group_table::handle group_table::fold(const group_key& key) {
 }
 
 group_table::handle group_table::group_with(const compact_key& key) {
-  return index_.find_or_make(key, [&] {
-    if (free_.empty()) return groups_.add(key);
-    const handle place = free_.back();
-    free_.pop_back();
-    groups_.set_key(place, key);
-    return place;
-  });
+  return index_.find_or_make(key, [&] { return groups_.add(key); });
 }
 
 group_table::handle group_table::set_query(handle which, std::uint64_t query) {
@@ -62,7 +56,7 @@ group_table::handle group_table::set_query(handle which, std::uint64_t query) {
   const handle kept = index_.find_or_insert(which);
   if (kept == which) return which;
   groups_.move_figures(which, kept);
-  free_.push_back(which);
+  groups_.release(which);
   return kept;
 }
 
@@ -86,14 +80,14 @@ void group_table::set_aside() {
     }
     for (const handle saved : in_bytes) {
       groups_.forget(saved);
-      free_.push_back(saved);
+      groups_.release(saved);
     }
     groups_aside_ += in_bytes.size();
     in_bytes.clear();
     bytes.clear();
   }
   // Going over all groups pays when many have come since.
-  const std::size_t left = groups_.size() - free_.size();
+  const std::size_t left = groups_.size() - groups_.released();
   if (set_aside_at_ < max_groups) set_aside_at_ = std::max(least_groups_to_set_aside, 2 * left);
   // Made anew it is faster than with the gaps of so many that are gone.
   index_.clear();
@@ -105,26 +99,25 @@ void group_table::set_aside() {
 
 void group_table::bring_back() {
   std::string bytes, left;
-  if (free_.empty()) free_.push_back(groups_.add({}));
+  handle place = groups_.add({});
   while (groups_aside_ > 0) {
     if (!aside_.read(bytes, piece_size) || bytes.empty()) {
       throw std::runtime_error("groups of blocks that were set aside on disk cannot be read");
     }
     left += bytes;
     std::string_view saved = left;
-    while (groups_.load(saved, free_.back())) {
-      free_.pop_back();
-      if (free_.empty()) free_.push_back(groups_.add({}));
+    while (groups_.load(saved, place)) {
+      place = groups_.add({});
       --groups_aside_;
     }
     left.erase(0, left.size() - saved.size());
   }
+  groups_.release(place);
 }
 
 block_groups group_table::take(name_lists& names) {
   index_.clear();
   bring_back();
-  free_ = {};
   block_groups::key_parts parts;
   for (const auto& location : lines_.all()) {
     parts.lines.push_back(location ? names.line(*location) : names.line_left_out());

@@ -88,7 +88,6 @@ class group_table {
   location_numbers lines_;
   color_numbers origins_;
   numbering<context> contexts_;
-  std::vector<handle> free_;  // groups that were merged into others
   std::uint64_t blocks_folded_ = 0;
 
   scratch_file aside_;

@@ -118,6 +118,7 @@ struct profile {
   std::vector<std::string> lines;  // "unknown line" at place 0
   std::vector<profile_function> functions;
   std::vector<call_path> paths;
+  bool paths_differ = false;  // whether it is known that no two of them are alike
   std::vector<profile_process> processes;
   std::vector<std::string> queries;  // "(no finished SQL operation)" at place 0
 

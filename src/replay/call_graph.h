@@ -1,11 +1,13 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace kiv {
 
-class KivProcess;
+class Func_rel;
 
 // A place in the code: a function of an object, or a special location of a process.
 struct Func_loc {
@@ -13,53 +15,67 @@ struct Func_loc {
   std::int32_t function_number = 0;
   std::string_view name;        // kept by the object's book, or by the process
   std::uint32_t announced = 0;  // the object's announcements up to and with this one
+  // An observer's number for the function; 0 until it gives one.
+  mutable std::uint32_t observed_as = 0;
 
   // Whether it is a function of an object, not one of the process itself.
   bool in_object() const { return function_number >= 1; }
 };
 
-// A function as one process's call graph sees it.
-class Func_rel {
+// Some of the functions that a function calls, and the arcs that lead to them.
+struct callee_list {
+  static constexpr std::size_t length = 4;
+
+  // The place of a function, or else the first free place; `length` when others take all.
+  std::size_t place_of(const Func_rel* callee) const {
+    std::size_t place = 0;
+    while (place < length && callees[place] != callee && callees[place] != nullptr) ++place;
+    return place;
+  }
+
+  std::array<Func_rel*, length> callees{};  // null from the first free place on
+  std::array<std::uint32_t, length> arcs{};
+};
+
+// The list that goes on where another one is full.
+struct further_callees {
+  callee_list list;
+  std::uint32_t further = 0;  // number of the one after it; 0: none
+};
+
+// A function as one process's call graph sees it: with the first of what it calls, a line of the
+// processor's cache.
+class alignas(64) Func_rel {
  public:
   // `at` may be null: the number of a function that the object does not hold.
   explicit Func_rel(const Func_loc* at) : location(at) {}
 
-  // Counts a call from this function into `callee`; the first one makes a new arc of the process.
-  // Returns the arc's number.
-  std::uint32_t update_child(Func_rel* callee, KivProcess& process);
-
   std::string_view name() const {  // empty without location
     return location == nullptr ? std::string_view() : location->name;
   }
-  bool is_at(std::uint32_t object_id, std::int32_t number) const {
-    return location != nullptr && location->object_id == object_id &&
-           location->function_number == number;
-  }
 
   const Func_loc* const location;
-  std::uint32_t calls = 0;  // through arcs that existed already
-
-  // The arcs from here that are found by following them from one to the next: the first few.
-  std::uint32_t newest_arc = 0;
-  std::uint32_t followed_arcs = 0;
-  // An observer's number for the function; 0 until it gives one.
-  mutable std::uint32_t observed_as = 0;
+  callee_list callees;
+  std::uint32_t further = 0;              // number of the list after `callees`; 0: none
+  mutable std::uint32_t observed_as = 0;  // as that of the location
 };
+static_assert(sizeof(Func_rel) == 64);
 
 // One caller-to-callee edge of one process; its number is its place in the process's arc table.
 struct FuncArc {
   Func_rel* from;
   Func_rel* to;
-  std::uint32_t count = 0;     // calls along this arc
-  std::uint32_t next_arc = 0;  // the one followed next from the same caller
 };
 
 // One entry of a call stack.
 struct Func_context {
   Func_rel* function;  // null for the base of a stack without special 0
   std::uint32_t arc;   // through which the function was entered
+  // By which numbers the record named it; a base has none.
+  std::uint32_t object_id;
+  std::int32_t number;
   // An observer's name for the call path that ends here; 0 until it gives one.
-  mutable std::uint32_t path;
+  mutable std::uint32_t path = 0;
 };
 
 }  // namespace kiv

@@ -103,16 +103,10 @@ void event_loop::on_flow_in() {
   reader_.context_changed();
   KivProcess& process = *reader_.cc_curr_proc();
   Func_rel* caller = process.find_caller(event.parent_id, event.parent_funnr);
-  FuncArc* known = caller == nullptr
-                       ? nullptr
-                       : process.find_repeated_call(*caller, event.child_id, event.child_funnr);
-  Func_rel* callee = known != nullptr
-                         ? known->to
-                         : process.find_function(event.child_id, event.child_funnr, false);
+  Func_rel* callee = process.find_function(event.child_id, event.child_funnr);
   if (caller == nullptr || callee == nullptr) return;
-  const std::uint32_t arc =
-      known != nullptr ? process.repeat_call(*known) : caller->update_child(callee, process);
-  process.s_push(callee, arc);
+  const std::uint32_t arc = process.find_or_add_arc(caller, callee);
+  process.s_push({callee, arc, event.child_id, event.child_funnr});
   if (diagnostics_.lists_records()) {
     diagnostics_.function_entered(process.stack_depth(), caller->name(), callee->name());
   }
@@ -140,9 +134,7 @@ void event_loop::on_hosk_flow_in() {
   const auto event = read<KivHoskFlowIn>();
   reader_.context_changed();
   KivProcess& process = *reader_.cc_curr_proc();
-  KivOip* object = process.find_oip(event.id_of_obj);
-  const Func_rel* function =
-      object == nullptr ? nullptr : object->find_function(event.funnr, true, diagnostics_);
+  const Func_rel* function = process.find_hosk_function(event.id_of_obj, event.funnr);
   if (function == nullptr) return;
   process.set_hosk_call({std::string(function->name()), event.sym, std::string(event.args)});
   if (diagnostics_.lists_records()) {

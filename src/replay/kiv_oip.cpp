@@ -18,11 +18,9 @@ void KivOip::fill_func_tables() {
   filled_ = true;
 }
 
-Func_rel* KivOip::find_function(std::int32_t number, bool global, diagnostics& faults) {
+Func_rel* KivOip::make_function(table& wanted, std::int32_t number, function_pool& pool,
+                                diagnostics& faults) {
   if (!filled_) fill_func_tables();
-  table& wanted = global ? globals_ : functions_;
-  const auto place = static_cast<std::uint32_t>(number);
-  if (Func_rel* known = wanted.relations.find(place)) return known;
   if (number < 0) {
     faults.function_number_negative(number);
     return nullptr;
@@ -32,7 +30,7 @@ Func_rel* KivOip::find_function(std::int32_t number, bool global, diagnostics& f
     return nullptr;
   }
   const Func_loc* location = wanted.functions->find(number, wanted.announcements);
-  return &wanted.relations.assign(place, std::make_unique<Func_rel>(location));
+  return &wanted.relations.assign(static_cast<std::uint32_t>(number), pool.make(location));
 }
 
 }  // namespace kiv

@@ -9,14 +9,9 @@ namespace kiv {
 
 namespace {
 
-// Few functions call more others; following the arcs of those would take longer than a look-up.
-constexpr std::uint32_t max_followed_arcs = 12;
-
-// Whether a function that is_at() these was found by them: specials may be replaced, and functions
-// of objects that were never loaded all carry id 0.
-bool names_one_function(std::uint32_t object_id, std::int32_t number) {
-  return number > 0 && object_id != 0;
-}
+// Few functions call more others; looking through all that those call would take longer than a
+// look-up.
+constexpr int max_callee_lists = 3;
 
 }  // namespace
 
@@ -80,26 +75,32 @@ void KivProcess::link_oip(std::uint32_t object_id, const KivObject& object) {
 
 void KivProcess::start_stack() {
   const auto base = specials_.find(0);
-  s_push(base == specials_.end() ? nullptr : &base->second->function.relation, 0);
+  s_push({base == specials_.end() ? nullptr : &base->second->function.relation, 0, 0, 0});
   stack_started_ = true;
 }
 
-Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number, bool global) {
+Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number) {
   if (!stack_started_) start_stack();
   if (number <= 0) {
     const auto special = specials_.find(static_cast<std::uint32_t>(number));
     return special == specials_.end() ? nullptr : &special->second->function.relation;
   }
   KivOip* oip = find_oip(object_id);
-  return oip == nullptr ? nullptr : oip->find_function(number, global, diagnostics_);
+  return oip == nullptr ? nullptr : oip->find_function(number, false, functions_, diagnostics_);
 }
 
+Func_rel* KivProcess::find_hosk_function(std::uint32_t object_id, std::int32_t number) {
+  KivOip* oip = find_oip(object_id);
+  return oip == nullptr ? nullptr : oip->find_function(number, true, functions_, diagnostics_);
+}
+
+// The number of a special may have become another's since; other numbers stay those of a function.
 Func_rel* KivProcess::find_caller(std::uint32_t object_id, std::int32_t number) {
-  if (names_one_function(object_id, number) && !stack_.empty()) {
-    Func_rel* current = stack_.back().function;
-    if (current != nullptr && current->is_at(object_id, number)) return current;
+  if (!stack_.empty() && number > 0) {
+    const Func_context& current = stack_.back();
+    if (current.object_id == object_id && current.number == number) return current.function;
   }
-  return find_function(object_id, number, false);
+  return find_function(object_id, number);
 }
 
 std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
@@ -107,34 +108,29 @@ std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
   return static_cast<std::uint32_t>(arcs_.size() - 1);
 }
 
-std::pair<std::uint32_t, bool> KivProcess::find_or_add_arc(Func_rel* from, Func_rel* to) {
-  const FuncArc* arcs = arcs_.data();
-  std::uint32_t arc = from->newest_arc;
-  for (std::uint32_t left = from->followed_arcs; left > 0; --left) {
-    if (arcs[arc].to == to) return {arc, false};
-    arc = arcs[arc].next_arc;
+std::uint32_t KivProcess::find_or_add_arc(Func_rel* from, Func_rel* to) {
+  callee_list* list = &from->callees;
+  std::uint32_t* further = &from->further;
+  for (int lists = 1;; ++lists) {
+    const std::size_t place = list->place_of(to);
+    if (place < callee_list::length) {
+      if (list->callees[place] == nullptr) {
+        list->callees[place] = to;
+        list->arcs[place] = add_arc(from, to);
+      }
+      return list->arcs[place];
+    }
+    if (lists == max_callee_lists) break;
+    const bool is_last = *further == 0;
+    if (is_last) *further = static_cast<std::uint32_t>(further_callees_.size() + 1);
+    const std::uint32_t number = *further;
+    if (is_last) further_callees_.emplace_back();  // may move what `further` points to
+    list = &further_callees_[number - 1].list;
+    further = &further_callees_[number - 1].further;
   }
-  if (from->followed_arcs == max_followed_arcs) {
-    const auto [entry, is_new] = further_arcs_.try_emplace({from, to}, 0);
-    if (is_new) entry->second = add_arc(from, to);
-    return {entry->second, is_new};
-  }
-  arc = add_arc(from, to);
-  arcs_[arc].next_arc = std::exchange(from->newest_arc, arc);
-  ++from->followed_arcs;
-  return {arc, true};
-}
-
-FuncArc* KivProcess::find_repeated_call(const Func_rel& caller, std::uint32_t object_id,
-                                        std::int32_t number) {
-  if (!names_one_function(object_id, number)) return nullptr;
-  FuncArc* arcs = arcs_.data();
-  std::uint32_t arc = caller.newest_arc;
-  for (std::uint32_t left = caller.followed_arcs; left > 0; --left) {
-    if (arcs[arc].to->is_at(object_id, number)) return &arcs[arc];
-    arc = arcs[arc].next_arc;
-  }
-  return nullptr;
+  const auto [entry, is_new] = further_arcs_.try_emplace({from, to}, 0);
+  if (is_new) entry->second = add_arc(from, to);
+  return entry->second;
 }
 
 KivSymbol* KivProcess::find_symbol(std::int64_t sym) const {
@@ -174,11 +170,16 @@ void KivProcess::symbol_dd_name(const KivSymbolDdName& event) {
 }
 
 void KivProcess::free_process() {
-  for (const FuncArc& arc : arcs_) arc.from->followed_arcs = 0;
+  for (const FuncArc& arc : arcs_) {
+    arc.from->callees = {};
+    arc.from->further = 0;
+  }
   stack_.clear();
   arcs_ = {};
+  further_callees_ = {};
   further_arcs_ = {};
   oips_ = {};
+  functions_ = {};
   former_specials_.clear();
   symbols_.clear();
   alive_ = false;

@@ -76,13 +76,15 @@ class KivProcess {
   }
   // A special for numbers up to 0, else a function of a linked object; null when there is none. The
   // first look-up puts the base entry on the call stack.
-  Func_rel* find_function(std::uint32_t object_id, std::int32_t number, bool global);
+  Func_rel* find_function(std::uint32_t object_id, std::int32_t number);
 
   // find_function() for the caller of a flow, which mostly stands on top of the stack.
   Func_rel* find_caller(std::uint32_t object_id, std::int32_t number);
+  // A Hosk function of a linked object; null when there is none.
+  Func_rel* find_hosk_function(std::uint32_t object_id, std::int32_t number);
 
   // Call flow.
-  void s_push(Func_rel* function, std::uint32_t arc) { stack_.push_back({function, arc, 0}); }
+  void s_push(const Func_context& entered) { stack_.push_back(entered); }
   void s_pop() {  // nothing when the stack is empty
     if (!stack_.empty()) stack_.pop_back();
   }
@@ -93,18 +95,8 @@ class KivProcess {
   std::uint32_t flow_counter() const { return flow_counter_; }
   void count_flow() { ++flow_counter_; }
   std::uint32_t add_arc(Func_rel* from, Func_rel* to);
-  // The number of the arc from a caller to a callee, and whether it is new.
-  std::pair<std::uint32_t, bool> find_or_add_arc(Func_rel* from, Func_rel* to);
-  void count_call(std::uint32_t arc) { ++arcs_[arc].count; }
-  // The arc through which `caller` called a function of an object before; null when it did not, or
-  // has to be looked for by find_function() and find_or_add_arc().
-  FuncArc* find_repeated_call(const Func_rel& caller, std::uint32_t object_id, std::int32_t number);
-  // Counts one more call along the arc; returns its number.
-  std::uint32_t repeat_call(FuncArc& arc) {
-    ++arc.to->calls;
-    ++arc.count;
-    return static_cast<std::uint32_t>(&arc - arcs_.data());
-  }
+  // The number of the arc from a caller to a callee; the first call makes it.
+  std::uint32_t find_or_add_arc(Func_rel* from, Func_rel* to);
   const auto& arcs() const { return arcs_; }
   const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
     return number < arcs_.size() ? &arcs_[number] : nullptr;
@@ -162,14 +154,16 @@ class KivProcess {
   bool stack_started_ = false;
   bool alive_ = true;
   number_table<std::unique_ptr<KivOip>, 256> oips_;  // by object id
+  function_pool functions_;                          // those of all oips_
   // By number, negative ones as unsigned. An overwritten special may still stand in the call
   // graph, so it stays until the process ends.
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<special_function>> specials_;
   std::vector<std::unique_ptr<special_function>> former_specials_;
   std::optional<own_function> root_;  // calls itself through arc 0; the default process has none
   std::vector<Func_context> stack_;
-  absl::InlinedVector<FuncArc, 1> arcs_;  // by arc number; most processes start with one
-  // The arcs that are not followed, by caller and callee.
+  absl::InlinedVector<FuncArc, 1> arcs_;          // by arc number; most processes start with one
+  std::vector<further_callees> further_callees_;  // by their numbers, from 1 on
+  // The arcs of callers whose lists are long, by caller and callee.
   absl::flat_hash_map<std::pair<const Func_rel*, const Func_rel*>, std::uint32_t> further_arcs_;
   hosk_call hosk_call_;
   std::uint32_t flow_counter_ = 0;

@@ -7,14 +7,14 @@
 namespace kiv::report {
 namespace {
 
-group_list list_of(const std::vector<split_amount>& sums, const name_book& names,
-                   const list_choice& choice, std::optional<std::size_t> top) {
+group_list list_of(const list_sums& sums, const name_book& names, const list_choice& choice,
+                   std::optional<std::size_t> top) {
   group_list list;
   list.by = choice.by;
   list.of = choice.of;
-  for (std::uint32_t number = 0; number < sums.size(); ++number) {
-    list.total += sums[number];
-    if (sums[number].sum() != amount{}) list.rows.push_back({number, sums[number]});
+  for (const list_row& row : sums.rows()) {
+    list.total += row.sum;
+    if (row.sum.sum() != amount{}) list.rows.push_back(row);
   }
   std::ranges::sort(list.rows, [&](const list_row& a, const list_row& b) {
     const amount sum_a = a.sum.sum(), sum_b = b.sum.sum();
@@ -93,7 +93,10 @@ group_sums sum_up(const std::vector<named_trace>& traces, const name_book& names
 
 std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
                                   group_key key, measure of) {
-  return std::move(sum_up(traces, names, {{of, key}}).lists.front());
+  const group_sums sums = sum_up(traces, names, {{of, key}});
+  std::vector<split_amount> all(names.size(key));
+  for (const auto& [name, sum] : sums.lists.front().rows()) all[name] = sum;
+  return all;
 }
 
 std::vector<group_list> make_lists(const group_sums& sums, const name_book& names,

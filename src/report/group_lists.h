@@ -25,25 +25,46 @@ std::vector<named_trace> named_traces(const run_profile& run, const group_filter
 // Where the groups of a trace are found in `numbers` for a key.
 std::uint32_t number_of(const named_trace& trace, const group_names& group, group_key key);
 
+struct list_row {
+  std::uint32_t name = 0;  // number in the name book
+  split_amount sum;
+};
+
+// Sums by name, of which most may have none.
+class list_sums {
+ public:
+  // By the numbers 0 to `names` - 1.
+  explicit list_sums(std::size_t names) : row_of_(names) {}
+
+  split_amount& operator[](std::uint32_t name) {
+    std::uint32_t& row = row_of_[name];
+    if (row == 0) {
+      rows_.push_back({name, {}});
+      row = static_cast<std::uint32_t>(rows_.size());
+    }
+    return rows_[row - 1].sum;
+  }
+  // Those that were asked for, in that order.
+  const std::vector<list_row>& rows() const { return rows_; }
+
+ private:
+  std::vector<std::uint32_t> row_of_;  // from 1 on; 0: none
+  std::vector<list_row> rows_;
+};
+
 // The sums over the kept groups.
 struct group_sums {
   struct of_trace {
     group_figures with_free, no_free;
   };
   std::vector<of_trace> traces;
-  // Of a measure, for each choice one for each number of its key.
-  std::vector<std::vector<split_amount>> lists;
+  std::vector<list_sums> lists;  // of a measure by a key, for each choice
 };
 group_sums sum_up(const std::vector<named_trace>& traces, const name_book& names,
                   const std::vector<list_choice>& choices);
-// The sums of one measure by one key.
+// The sums of one measure by one key, for each number of a name.
 std::vector<split_amount> sums_by(const std::vector<named_trace>& traces, const name_book& names,
                                   group_key key, measure of);
-
-struct list_row {
-  std::uint32_t name = 0;  // number in the name book
-  split_amount sum;
-};
 
 // What is behind one measure, by one key: most bytes first, then most blocks, then by name. Names
 // without any block are left out.

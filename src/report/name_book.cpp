@@ -40,8 +40,12 @@ std::uint32_t text_pool::add(std::string_view text) {
 }
 
 std::uint32_t pair_pool::add(pair value) {
+  for (; indexed_ < pairs_.size(); ++indexed_) {
+    numbers_.try_emplace(pairs_[indexed_], static_cast<std::uint32_t>(indexed_));
+  }
   const auto [at, is_new] = numbers_.try_emplace(value, static_cast<std::uint32_t>(pairs_.size()));
   if (is_new) pairs_.push_back(value);
+  indexed_ = pairs_.size();
   return at->second;
 }
 
@@ -69,12 +73,17 @@ place_numbers name_book::add(const profile& trace) {
   });
   auto& paths = of(numbers, group_key::path);
   auto& innermost = of(numbers, group_key::function);
+  paths.reserve(trace.paths.size());
+  innermost.reserve(trace.paths.size());
   paths = {0};
   innermost = {functions[0]};
+  const bool all_new =
+      trace.paths_differ && paths_.size() == 1 && functions_.size() == trace.functions.size();
   for (std::size_t i = 1; i < trace.paths.size(); ++i) {
     const call_path& path = trace.paths[i];
     const std::uint32_t function = at(functions, path.function);
-    paths.push_back(paths_.add({at(paths, path.parent), function}));
+    const pair_pool::pair node(at(paths, path.parent), function);
+    paths.push_back(all_new ? paths_.add_new(node) : paths_.add(node));
     innermost.push_back(function);
   }
   return numbers;

@@ -32,11 +32,17 @@ class pair_pool {
  public:
   using pair = std::pair<std::uint32_t, std::uint32_t>;
   std::uint32_t add(pair value);
+  // Of a pair that is known not to be there yet.
+  std::uint32_t add_new(pair value) {
+    pairs_.push_back(value);
+    return static_cast<std::uint32_t>(pairs_.size() - 1);
+  }
   const pair& operator[](std::uint32_t number) const { return pairs_[number]; }
   std::size_t size() const { return pairs_.size(); }
 
  private:
   std::vector<pair> pairs_;
+  std::size_t indexed_ = 0;  // so many pairs are in the index; those behind came by add_new()
   absl::flat_hash_map<pair, std::uint32_t> numbers_;
 };
 
