@@ -1,8 +1,8 @@
 #!/bin/sh
-# clickhouse.sh start|stop [DIRECTORY]: two servers of Debian's package as two shards of the cluster
+# clickhouse.sh start|stop [DIRECTORY [1|2]]: two servers of Debian's package as two shards of the cluster
 # kiv_test, on loopback, with all that they write in DIRECTORY (build/clickhouse unless told). `start`
 # prints NAME=VALUE lines: the URL of each shard as the user who may do all and as the one who may
-# only read, and the process ids. `start N` within DIRECTORY starts only server N, `stop N` stops it.
+# only read, and the process ids. With 1 or 2 behind DIRECTORY it is about that server alone.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -62,6 +62,7 @@ write_config() {
   <default_profile>default</default_profile>
   <default_database>default</default_database>
   <mlock_executable>false</mlock_executable>
+  <merge_tree><old_parts_lifetime>20</old_parts_lifetime></merge_tree>
   <compression><case><min_part_size>0</min_part_size><min_part_size_ratio>0</min_part_size_ratio>
     <method>zstd</method></case></compression>
   <remote_servers><kiv_test>$(shard 1)$(shard 2)</kiv_test></remote_servers>
@@ -111,6 +112,7 @@ wait_for() {
 start() {
   for n in $servers; do
     is_running "$n" && continue
+    ! answers "$n" || { echo "clickhouse: another server has the port $(http_port "$n")" >&2; exit 1; }
     write_config "$n"
     launch "$n"
   done

@@ -15,7 +15,7 @@ namespace {
 
 using imports = std::set<std::int64_t>;
 
-constexpr std::string_view entries = "import_stored";
+constexpr std::string_view entry_table = "import_stored";
 
 class pruner {
  public:
@@ -82,20 +82,21 @@ std::optional<std::size_t> prune(const server_url& url, std::int64_t hours, std:
   const std::string too_old = std::to_string(import_hours_ago(hours));
   imports all, old_entries, marks;
   if (!work.find(stale_entries, old_entries) || !work.find(lone_marks, marks)) return std::nullopt;
+  const std::string unseen =
+      " WHERE import NOT IN (SELECT import FROM newest_import) AND (import < " + too_old +
+      " OR import IN (SELECT import FROM import_stored))";
   for (const auto& table : stored_tables()) {
-    if (table == entries) continue;
+    if (table == entry_table) continue;
     imports stale;
-    const std::string unseen = "SELECT DISTINCT import FROM " + table +
-                               " WHERE import NOT IN (SELECT import FROM newest_import) AND "
-                               "(import < " +
-                               too_old + " OR import IN (SELECT import FROM import_stored))";
-    if (!work.find(unseen, stale) || !work.erase(table, stale)) return std::nullopt;
+    std::string sql = "SELECT DISTINCT import FROM ";
+    sql.append(table).append(unseen);
+    if (!work.find(sql, stale) || !work.erase(table, stale)) return std::nullopt;
     all.insert(stale.begin(), stale.end());
   }
   all.insert(old_entries.begin(), old_entries.end());
   all.insert(marks.begin(), marks.end());
   // Entries last, so that what was not deleted is found by the next time.
-  if (!work.wait() || !work.erase(entries, old_entries) || !work.erase(entries, marks) ||
+  if (!work.wait() || !work.erase(entry_table, old_entries) || !work.erase(entry_table, marks) ||
       !work.wait()) {
     return std::nullopt;
   }

@@ -1,6 +1,8 @@
 #include "kivdb/command_options.h"
 
 #include <CLI/CLI.hpp>
+#include <iostream>
+#include <sstream>
 
 #include "kivdb/messages.h"
 
@@ -106,7 +108,10 @@ int program_options::run(int argc, char** argv) {
   try {
     app_->parse(argc, argv);
   } catch (const CLI::ParseError& stop) {
-    return app_->exit(stop) == 0 ? finish_output() : status_usage;
+    std::ostringstream complaint;
+    const int status = app_->exit(stop, std::cout, complaint);
+    std::cerr << without_passwords(complaint.str());
+    return status == 0 ? finish_output() : status_usage;
   }
   for (const auto& [app, run] : commands_) {
     if (app->parsed()) return run();

@@ -21,8 +21,6 @@
 namespace kiv::db {
 namespace {
 
-using report::column_kind;
-
 struct import_arguments {
   std::vector<std::string> sources;
   std::optional<std::string> file, server;

@@ -1,5 +1,6 @@
 #include "kivdb/messages.h"
 
+#include <algorithm>
 #include <iostream>
 #include <string>
 
@@ -15,6 +16,17 @@ int complain(std::string_view what, exit_status status) {
 
 int complain_about(std::string_view path, std::string_view what, exit_status status) {
   return complain(clickhouse::without_password(path) + ": " + std::string(what), status);
+}
+
+std::string without_passwords(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    const auto end = std::min(text.find_first_of(" \n"), text.size());
+    shown += clickhouse::without_password(text.substr(0, end));
+    if (end < text.size()) shown += text[end];
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return shown;
 }
 
 int finish_output() {
