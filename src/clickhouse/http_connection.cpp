@@ -1,21 +1,15 @@
 #include "clickhouse/http_connection.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
 #include <cctype>
 #include <chrono>
-#include <mutex>
+
+#include "clickhouse/curl_library.h"
 
 namespace kiv::clickhouse {
 namespace {
 
 constexpr std::string_view exception_header = "x-clickhouse-exception-code:";
-
-void initialise_once() {
-  static std::once_flag done;
-  std::call_once(done, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
 
 std::string percent_encoded(std::string_view text) {
   static constexpr char digits[] = "0123456789ABCDEF";
@@ -35,6 +29,7 @@ std::string percent_encoded(std::string_view text) {
 }  // namespace
 
 struct http_connection::state {
+  const curl_library& curl = loaded_curl();
   server_url url;
   CURLM* multi = nullptr;
   CURL* easy = nullptr;
@@ -67,12 +62,12 @@ struct http_connection::state {
 
   int status() const {
     long code = 0;
-    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &code);
+    curl.easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &code);
     return static_cast<int>(code);
   }
 
   void stop() {
-    if (active) curl_multi_remove_handle(multi, easy);
+    if (active) curl.multi_remove_handle(multi, easy);
     active = false;
   }
 
@@ -80,20 +75,20 @@ struct http_connection::state {
     done = true;
     if (result == CURLE_OK) return;
     long sent_bytes = 0;
-    curl_easy_getinfo(easy, CURLINFO_REQUEST_SIZE, &sent_bytes);
+    curl.easy_getinfo(easy, CURLINFO_REQUEST_SIZE, &sent_bytes);
     sent = sent_bytes > 0;
     if (result == CURLE_OPERATION_TIMEDOUT) {
       failure = "no connection within " + std::to_string(url.timeout) + " s";
     } else {
-      failure = message[0] != '\0' ? message : curl_easy_strerror(result);
+      failure = message[0] != '\0' ? message : curl.easy_strerror(result);
     }
   }
 
   // Ends the request when nothing has moved in either direction for too long.
   void watch() {
     curl_off_t up = 0, down = 0;
-    curl_easy_getinfo(easy, CURLINFO_SIZE_UPLOAD_T, &up);
-    curl_easy_getinfo(easy, CURLINFO_SIZE_DOWNLOAD_T, &down);
+    curl.easy_getinfo(easy, CURLINFO_SIZE_UPLOAD_T, &up);
+    curl.easy_getinfo(easy, CURLINFO_SIZE_DOWNLOAD_T, &down);
     const auto now = std::chrono::steady_clock::now();
     if (up + down != bytes_seen) last_life = now;
     bytes_seen = up + down;
@@ -106,55 +101,54 @@ struct http_connection::state {
   // Goes on with the request until something came or it ended.
   void advance() {
     int running = 0;
-    if (curl_multi_perform(multi, &running) != CURLM_OK) {
+    if (curl.multi_perform(multi, &running) != CURLM_OK) {
       done = true;
       failure = "the request could not be carried out";
       return;
     }
     int left = 0;
-    while (const CURLMsg* note = curl_multi_info_read(multi, &left)) {
+    while (const CURLMsg* note = curl.multi_info_read(multi, &left)) {
       if (note->msg == CURLMSG_DONE) note_end(note->data.result);
     }
     constexpr int longest_wait = 250;  // ms
-    if (!done && body.empty()) curl_multi_poll(multi, nullptr, 0, longest_wait, nullptr);
+    if (!done && body.empty()) curl.multi_poll(multi, nullptr, 0, longest_wait, nullptr);
     watch();
   }
 };
 
 http_connection::http_connection(const server_url& url) : state_(std::make_unique<state>()) {
-  initialise_once();
   state& s = *state_;
   s.url = url;
-  s.multi = curl_multi_init();
-  s.easy = curl_easy_init();
-  s.headers = curl_slist_append(nullptr, ("X-ClickHouse-User: " + url.user).c_str());
+  s.multi = s.curl.multi_init();
+  s.easy = s.curl.easy_init();
+  s.headers = s.curl.slist_append(nullptr, ("X-ClickHouse-User: " + url.user).c_str());
   // A colon without a value would take the header away; a semicolon sends it empty.
-  s.headers = curl_slist_append(s.headers, url.password.empty()
-                                               ? "X-ClickHouse-Key;"
-                                               : ("X-ClickHouse-Key: " + url.password).c_str());
-  s.headers = curl_slist_append(s.headers, "Expect:");
-  s.headers = curl_slist_append(s.headers, "Content-Type: application/octet-stream");
+  s.headers = s.curl.slist_append(s.headers, url.password.empty()
+                                                 ? "X-ClickHouse-Key;"
+                                                 : ("X-ClickHouse-Key: " + url.password).c_str());
+  s.headers = s.curl.slist_append(s.headers, "Expect:");
+  s.headers = s.curl.slist_append(s.headers, "Content-Type: application/octet-stream");
   CURL* e = s.easy;
-  curl_easy_setopt(e, CURLOPT_HTTPHEADER, s.headers);
-  curl_easy_setopt(e, CURLOPT_ERRORBUFFER, s.message);
-  curl_easy_setopt(e, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(e, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-  curl_easy_setopt(e, CURLOPT_TCP_NODELAY, 1L);
-  curl_easy_setopt(e, CURLOPT_BUFFERSIZE, 262'144L);
-  curl_easy_setopt(e, CURLOPT_UPLOAD_BUFFERSIZE, 262'144L);
-  curl_easy_setopt(e, CURLOPT_CONNECTTIMEOUT, static_cast<long>(url.timeout));
-  curl_easy_setopt(e, CURLOPT_WRITEFUNCTION, state::take_body);
-  curl_easy_setopt(e, CURLOPT_WRITEDATA, &s);
-  curl_easy_setopt(e, CURLOPT_HEADERFUNCTION, state::take_header);
-  curl_easy_setopt(e, CURLOPT_HEADERDATA, &s);
-  curl_easy_setopt(e, CURLOPT_POST, 1L);
+  s.curl.easy_setopt(e, CURLOPT_HTTPHEADER, s.headers);
+  s.curl.easy_setopt(e, CURLOPT_ERRORBUFFER, s.message);
+  s.curl.easy_setopt(e, CURLOPT_NOSIGNAL, 1L);
+  s.curl.easy_setopt(e, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+  s.curl.easy_setopt(e, CURLOPT_TCP_NODELAY, 1L);
+  s.curl.easy_setopt(e, CURLOPT_BUFFERSIZE, 262'144L);
+  s.curl.easy_setopt(e, CURLOPT_UPLOAD_BUFFERSIZE, 262'144L);
+  s.curl.easy_setopt(e, CURLOPT_CONNECTTIMEOUT, static_cast<long>(url.timeout));
+  s.curl.easy_setopt(e, CURLOPT_WRITEFUNCTION, state::take_body);
+  s.curl.easy_setopt(e, CURLOPT_WRITEDATA, &s);
+  s.curl.easy_setopt(e, CURLOPT_HEADERFUNCTION, state::take_header);
+  s.curl.easy_setopt(e, CURLOPT_HEADERDATA, &s);
+  s.curl.easy_setopt(e, CURLOPT_POST, 1L);
 }
 
 http_connection::~http_connection() {
   state_->stop();
-  curl_easy_cleanup(state_->easy);
-  curl_multi_cleanup(state_->multi);
-  curl_slist_free_all(state_->headers);
+  state_->curl.easy_cleanup(state_->easy);
+  state_->curl.multi_cleanup(state_->multi);
+  state_->curl.slist_free_all(state_->headers);
 }
 
 bool http_connection::post(const http_parameters& parameters, std::string_view body) {
@@ -173,10 +167,10 @@ bool http_connection::post(const http_parameters& parameters, std::string_view b
     s.target += separator + std::string(name) + '=' + percent_encoded(value);
     separator = '&';
   }
-  curl_easy_setopt(s.easy, CURLOPT_URL, s.target.c_str());
-  curl_easy_setopt(s.easy, CURLOPT_POSTFIELDS, body.data());
-  curl_easy_setopt(s.easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-  s.active = curl_multi_add_handle(s.multi, s.easy) == CURLM_OK;
+  s.curl.easy_setopt(s.easy, CURLOPT_URL, s.target.c_str());
+  s.curl.easy_setopt(s.easy, CURLOPT_POSTFIELDS, body.data());
+  s.curl.easy_setopt(s.easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+  s.active = s.curl.multi_add_handle(s.multi, s.easy) == CURLM_OK;
   while (!s.done && !s.answered) s.advance();
   return s.failure.empty();
 }
