@@ -21,7 +21,7 @@ if [ "${1-}" = --document ]; then
 fi
 
 cmake --preset bench >/dev/null
-cmake --build --preset bench
+cmake --build --preset bench >&2
 kiv=$PWD/build/bench/src/kiv
 kivdb=$PWD/build/bench/src/kivdb
 kivconvert=$PWD/build/bench/src/kivconvert
