@@ -42,24 +42,42 @@ struct plain_call_graph {
 };
 
 TEST(CallGraph, EachPairOfCallerAndCalleeHasOneArcNumberedByItsFirstCall) {
+  // Where numbers of objects and functions no longer share a word.
+  constexpr std::uint32_t few = 1 << 12, many = 1 << 19;
   const struct {
     std::uint32_t objects;
     std::int32_t functions;  // of each object
     std::size_t deepest;
-  } cases[] = {{1, 1, 2}, {1, 11, 2}, {1, 12, 2}, {1, 13, 2}, {1, 60, 2}, {2, 7, 4}, {3, 30, 9}};
+    std::uint32_t first_object = 1;
+    std::int32_t first_function = 1;
+  } cases[] = {{1, 1, 2},
+               {1, 11, 2},
+               {1, 12, 2},
+               {1, 13, 2},
+               {1, 60, 2},
+               {2, 7, 4},
+               {3, 30, 9},
+               {4, 5, 4, few - 2},
+               {4, 5, 4, many - 2},
+               {2, 9, 4, 1, few - 5},
+               {2, 9, 4, few, few - 5}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.objects << " objects of " << c.functions);
+    SCOPED_TRACE(testing::Message() << c.objects << " objects of " << c.functions << " from "
+                                    << c.first_object << ':' << c.first_function);
     std::minstd_rand random(11);
     trace t;
     t.proc(pid, "server").special(pid, 0, "main").schedule(0, pid);
-    for (std::uint32_t object = 1; object <= c.objects; ++object) {
+    for (std::uint32_t i = 0; i < c.objects; ++i) {
+      const std::uint32_t object = c.first_object + i;
       t.reserve(object, "oic:object").object(object).link(pid, object);
-      for (int f = 1; f <= c.functions; ++f) t.function(object, f, "f" + std::to_string(f));
+      for (int f = 1; f < c.first_function + c.functions; ++f) {
+        t.function(object, f, "f" + std::to_string(f));
+      }
     }
     plain_call_graph graph;
     for (int call = 0; call < 1'000; ++call) {
-      const function callee{1 + random() % c.objects,
-                            1 + static_cast<std::int32_t>(random()) % c.functions};
+      const function callee{c.first_object + random() % c.objects,
+                            c.first_function + static_cast<std::int32_t>(random()) % c.functions};
       const bool leaves = graph.stack.size() == c.deepest || random() % 3 == 0;
       if (graph.stack.size() > 1 && leaves) {
         t.flow_out();

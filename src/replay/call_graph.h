@@ -22,18 +22,24 @@ struct Func_loc {
   bool in_object() const { return function_number >= 1; }
 };
 
-// Some of the functions that a function calls, and the arcs that lead to them.
+// Object and number of a function in one word, different for different ones; 0 where they do not
+// fit and for the locations of a process itself.
+inline std::uint32_t short_function_name(std::uint32_t object_id, std::int32_t number) {
+  constexpr int few = 12, many = 19;  // bits
+  if (number <= 0) return 0;
+  const auto n = static_cast<std::uint32_t>(number);
+  if (object_id < 1u << few && n < 1u << many) return object_id << many | n;
+  if (object_id < 1u << many && n < 1u << few) return 1u << 31 | object_id << few | n;
+  return 0;
+}
+
+// Some of the functions that a function calls, by the names that records give them, with their
+// numbers in the process and the arcs that lead to them.
 struct callee_list {
   static constexpr std::size_t length = 4;
 
-  // The place of a function, or else the first free place; `length` when others take all.
-  std::size_t place_of(const Func_rel* callee) const {
-    std::size_t place = 0;
-    while (place < length && callees[place] != callee && callees[place] != nullptr) ++place;
-    return place;
-  }
-
-  std::array<Func_rel*, length> callees{};  // null from the first free place on
+  std::array<std::uint32_t, length> names{};  // 0 from the first free place on
+  std::array<std::uint32_t, length> functions{};
   std::array<std::uint32_t, length> arcs{};
 };
 

@@ -103,9 +103,8 @@ void event_loop::on_flow_in() {
   reader_.context_changed();
   KivProcess& process = *reader_.cc_curr_proc();
   Func_rel* caller = process.find_caller(event.parent_id, event.parent_funnr);
-  Func_rel* callee = process.find_function(event.child_id, event.child_funnr);
-  if (caller == nullptr || callee == nullptr) return;
-  const std::uint32_t arc = process.find_or_add_arc(caller, callee);
+  const auto [callee, arc] = process.find_or_add_call(caller, event.child_id, event.child_funnr);
+  if (callee == nullptr) return;
   process.s_push({callee, arc, event.child_id, event.child_funnr});
   if (diagnostics_.lists_records()) {
     diagnostics_.function_entered(process.stack_depth(), caller->name(), callee->name());

@@ -18,19 +18,19 @@ void KivOip::fill_func_tables() {
   filled_ = true;
 }
 
-Func_rel* KivOip::make_function(table& wanted, std::int32_t number, function_pool& pool,
-                                diagnostics& faults) {
+std::uint32_t KivOip::add_function(table& wanted, std::int32_t number, function_list& all,
+                                   diagnostics& faults) {
   if (!filled_) fill_func_tables();
   if (number < 0) {
     faults.function_number_negative(number);
-    return nullptr;
+    return 0;
   }
   if (static_cast<std::size_t>(number) >= wanted.size) {
     faults.function_number_unknown(number);
-    return nullptr;
+    return 0;
   }
   const Func_loc* location = wanted.functions->find(number, wanted.announcements);
-  return &wanted.relations.assign(static_cast<std::uint32_t>(number), pool.make(location));
+  return wanted.relations.assign(static_cast<std::uint32_t>(number), {all.add(location)});
 }
 
 }  // namespace kiv

@@ -13,13 +13,15 @@ class KivObject;
 class diagnostics;
 class function_table;
 
-// Where the functions of a process stay in their places.
-class function_pool {
+// The functions of a process, numbered from 1. They stay in their places.
+class function_list {
  public:
-  Func_rel* make(const Func_loc* location) {
+  std::uint32_t add(const Func_loc* location) {
     if (functions_ == nullptr) functions_ = std::make_unique<std::deque<Func_rel>>();
-    return &functions_->emplace_back(location);
+    functions_->emplace_back(location);
+    return static_cast<std::uint32_t>(functions_->size());
   }
+  Func_rel* operator[](std::uint32_t number) { return &(*functions_)[number - 1]; }
 
  private:
   std::unique_ptr<std::deque<Func_rel>> functions_;  // an empty one has its memory already
@@ -33,26 +35,34 @@ class KivOip {
   // `object` must outlive this.
   explicit KivOip(const KivObject& object);
 
-  // Null, and it is said, for a number outside the table. The table has as many places as the
-  // object had functions; a number without function has an empty place.
-  Func_rel* find_function(std::int32_t number, bool global, function_pool& pool,
-                          diagnostics& faults) {
+  // The number in `all` of a function of the object. 0, and it is said, for a number outside the
+  // table. The table has as many places as the object had functions; a number without function has
+  // an empty place.
+  std::uint32_t find_function(std::int32_t number, bool global, function_list& all,
+                              diagnostics& faults) {
     table& wanted = global ? globals_ : functions_;
-    Func_rel* known = wanted.relations.find(static_cast<std::uint32_t>(number));
-    return known != nullptr ? known : make_function(wanted, number, pool, faults);
+    const std::uint32_t* known = wanted.relations.find(static_cast<std::uint32_t>(number));
+    return known != nullptr ? *known : add_function(wanted, number, all, faults);
   }
 
  private:
+  // The number of a function in its process, or none.
+  struct relation {
+    explicit operator bool() const { return number != 0; }
+    std::uint32_t& operator*() { return number; }
+    const std::uint32_t& operator*() const { return number; }
+    std::uint32_t number = 0;
+  };
   struct table {
     const function_table* functions;
     std::size_t size = 0;
     std::uint32_t announcements = 0;
-    number_table<Func_rel*, 256> relations;  // of the process
+    number_table<relation, 256> relations;
   };
 
   void fill_func_tables();
-  Func_rel* make_function(table& wanted, std::int32_t number, function_pool& pool,
-                          diagnostics& faults);
+  std::uint32_t add_function(table& wanted, std::int32_t number, function_list& all,
+                             diagnostics& faults);
 
   table functions_;
   table globals_;

@@ -1,5 +1,6 @@
 #include "replay/kiv_process.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "replay/kiv_reserve_id_db.h"
@@ -79,19 +80,27 @@ void KivProcess::start_stack() {
   stack_started_ = true;
 }
 
+Func_rel* KivProcess::find_special(std::int32_t number) {
+  const auto special = specials_.find(static_cast<std::uint32_t>(number));
+  return special == specials_.end() ? nullptr : &special->second->function.relation;
+}
+
+std::uint32_t KivProcess::find_in_object(std::uint32_t object_id, std::int32_t number,
+                                         bool global) {
+  KivOip* oip = find_oip(object_id);
+  return oip == nullptr ? 0 : oip->find_function(number, global, functions_, diagnostics_);
+}
+
 Func_rel* KivProcess::find_function(std::uint32_t object_id, std::int32_t number) {
   if (!stack_started_) start_stack();
-  if (number <= 0) {
-    const auto special = specials_.find(static_cast<std::uint32_t>(number));
-    return special == specials_.end() ? nullptr : &special->second->function.relation;
-  }
-  KivOip* oip = find_oip(object_id);
-  return oip == nullptr ? nullptr : oip->find_function(number, false, functions_, diagnostics_);
+  if (number <= 0) return find_special(number);
+  const std::uint32_t found = find_in_object(object_id, number, false);
+  return found == 0 ? nullptr : functions_[found];
 }
 
 Func_rel* KivProcess::find_hosk_function(std::uint32_t object_id, std::int32_t number) {
-  KivOip* oip = find_oip(object_id);
-  return oip == nullptr ? nullptr : oip->find_function(number, true, functions_, diagnostics_);
+  const std::uint32_t found = find_in_object(object_id, number, true);
+  return found == 0 ? nullptr : functions_[found];
 }
 
 // The number of a special may have become another's since; other numbers stay those of a function.
@@ -108,28 +117,60 @@ std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
   return static_cast<std::uint32_t>(arcs_.size() - 1);
 }
 
-std::uint32_t KivProcess::find_or_add_arc(Func_rel* from, Func_rel* to) {
-  callee_list* list = &from->callees;
-  std::uint32_t* further = &from->further;
-  for (int lists = 1;; ++lists) {
-    const std::size_t place = list->place_of(to);
-    if (place < callee_list::length) {
-      if (list->callees[place] == nullptr) {
-        list->callees[place] = to;
-        list->arcs[place] = add_arc(from, to);
+KivProcess::found_call KivProcess::find_or_add_call(Func_rel* caller, std::uint32_t object_id,
+                                                    std::int32_t number) {
+  const std::uint32_t name = short_function_name(object_id, number);
+  if (caller != nullptr && name != 0) {
+    const callee_list* list = &caller->callees;
+    std::uint32_t further = caller->further;
+    while (true) {
+      for (std::size_t i = 0; i < callee_list::length; ++i) {
+        if (list->names[i] == name) return {functions_[list->functions[i]], list->arcs[i]};
       }
-      return list->arcs[place];
+      if (further == 0) break;
+      list = &further_callees_[further - 1].list;
+      further = further_callees_[further - 1].further;
     }
-    if (lists == max_callee_lists) break;
-    const bool is_last = *further == 0;
-    if (is_last) *further = static_cast<std::uint32_t>(further_callees_.size() + 1);
-    const std::uint32_t number = *further;
-    if (is_last) further_callees_.emplace_back();  // may move what `further` points to
-    list = &further_callees_[number - 1].list;
-    further = &further_callees_[number - 1].further;
   }
-  const auto [entry, is_new] = further_arcs_.try_emplace({from, to}, 0);
-  if (is_new) entry->second = add_arc(from, to);
+  Func_rel* callee = nullptr;
+  std::uint32_t found = 0;
+  if (number <= 0) {
+    callee = find_function(object_id, number);
+  } else {
+    if (!stack_started_) start_stack();
+    found = find_in_object(object_id, number, false);
+    if (found != 0) callee = functions_[found];
+  }
+  if (caller == nullptr || callee == nullptr) return {};
+  callee_list* list = name == 0 ? nullptr : list_with_room(*caller);
+  if (list == nullptr) return {callee, find_or_add_further_arc(caller, callee)};
+  const auto place =
+      static_cast<std::size_t>(std::ranges::find(list->names, 0u) - list->names.begin());
+  list->names[place] = name;
+  list->functions[place] = found;
+  list->arcs[place] = add_arc(caller, callee);
+  return {callee, list->arcs[place]};
+}
+
+callee_list* KivProcess::list_with_room(Func_rel& caller) {
+  callee_list* list = &caller.callees;
+  std::uint32_t* further = &caller.further;
+  for (int lists = 1; list->names.back() != 0; ++lists) {
+    if (lists == max_callee_lists) return nullptr;
+    if (*further == 0) {
+      *further = static_cast<std::uint32_t>(further_callees_.size() + 1);
+      return &further_callees_.emplace_back().list;
+    }
+    further_callees& next = further_callees_[*further - 1];
+    list = &next.list;
+    further = &next.further;
+  }
+  return list;
+}
+
+std::uint32_t KivProcess::find_or_add_further_arc(Func_rel* caller, Func_rel* callee) {
+  const auto [entry, is_new] = further_arcs_.try_emplace({caller, callee}, 0);
+  if (is_new) entry->second = add_arc(caller, callee);
   return entry->second;
 }
 

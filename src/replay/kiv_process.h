@@ -95,8 +95,13 @@ class KivProcess {
   std::uint32_t flow_counter() const { return flow_counter_; }
   void count_flow() { ++flow_counter_; }
   std::uint32_t add_arc(Func_rel* from, Func_rel* to);
-  // The number of the arc from a caller to a callee; the first call makes it.
-  std::uint32_t find_or_add_arc(Func_rel* from, Func_rel* to);
+  // A caller calls a function, as find_function() finds it; the first such call makes the arc. No
+  // callee when either of them is null.
+  struct found_call {
+    Func_rel* callee = nullptr;
+    std::uint32_t arc = 0;
+  };
+  found_call find_or_add_call(Func_rel* caller, std::uint32_t object_id, std::int32_t number);
   const auto& arcs() const { return arcs_; }
   const FuncArc* get_arc(std::uint32_t number) const {  // null beyond the arcs handed out
     return number < arcs_.size() ? &arcs_[number] : nullptr;
@@ -132,6 +137,11 @@ class KivProcess {
   };
 
   void start_stack();
+  Func_rel* find_special(std::int32_t number);
+  std::uint32_t find_in_object(std::uint32_t object_id, std::int32_t number, bool global);
+  // Where one more callee can stand; null when the caller has all the lists that it may.
+  callee_list* list_with_room(Func_rel& caller);
+  std::uint32_t find_or_add_further_arc(Func_rel* caller, Func_rel* callee);
   KivSymbol* find_symbol(std::int64_t sym) const;
 
   const std::uint32_t main_pid_;
@@ -154,7 +164,7 @@ class KivProcess {
   bool stack_started_ = false;
   bool alive_ = true;
   number_table<std::unique_ptr<KivOip>, 256> oips_;  // by object id
-  function_pool functions_;                          // those of all oips_
+  function_list functions_;                          // those of all oips_
   // By number, negative ones as unsigned. An overwritten special may still stand in the call
   // graph, so it stays until the process ends.
   absl::flat_hash_map<std::uint32_t, std::unique_ptr<special_function>> specials_;
