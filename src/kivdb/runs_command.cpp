@@ -19,7 +19,10 @@ struct runs_arguments {
 std::string labels_of(const store::run_info& run) {
   std::string list;
   for (const auto& [key, value] : run.labels) {
-    list += (list.empty() ? "" : ", ") + key + '=' + value;
+    if (!list.empty()) list += ", ";
+    list += key;
+    list += '=';
+    list += value;
   }
   return list;
 }
