@@ -10,8 +10,9 @@ compact_groups::place compact_groups::add(const compact_key& key) {
   if (released_ > 0) {
     --released_;
     const place taken = first_released_;
-    first_released_ = at(taken).size;
-    at(taken) = {.key = key, .peaks_seen = peaks_};
+    group& reused = at(taken);
+    first_released_ = reused.size;
+    reused = {.key = key, .peaks_seen = peaks_};
     return taken;
   }
   if (size_ % chunk_size == 0) chunks_.emplace_back().reserve(chunk_size);
@@ -200,8 +201,11 @@ void compact_groups::save(place which, std::string& into) {
 }
 
 void compact_groups::forget(place which) {
-  forget_full(at(which));
-  at(which).state = no_block;
+  group& forgotten = at(which);
+  forget_full(forgotten);
+  forgotten.state = no_block;
+  forgotten.size = std::exchange(first_released_, which);
+  ++released_;
 }
 
 bool compact_groups::load(std::string_view& saved, place which) {

@@ -69,7 +69,7 @@ class compact_groups {
   bool is_over(place which) const;
   // Puts all that is known of a group that is over behind `into`.
   void save(place which, std::string& into);
-  // It has no blocks then.
+  // It has no blocks then, and its place is released.
   void forget(place which);
   // Puts the group that stands at the beginning of `saved`, which loses it, in the place of one
   // without blocks. False, and nothing is changed, when only a part of it is there.

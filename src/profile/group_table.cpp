@@ -78,10 +78,7 @@ void group_table::set_aside() {
       set_aside_at_ = max_groups;  // no room on the disk: all others stay
       break;
     }
-    for (const handle saved : in_bytes) {
-      groups_.forget(saved);
-      groups_.release(saved);
-    }
+    for (const handle saved : in_bytes) groups_.forget(saved);
     groups_aside_ += in_bytes.size();
     in_bytes.clear();
     bytes.clear();

@@ -64,6 +64,16 @@ std::uint32_t number_of(const named_trace& trace, const group_names& group, grou
   return numbers[place < numbers.size() ? place : 0];
 }
 
+list_sums::list_sums(std::size_t names) {
+  constexpr std::size_t most_rows_at_once = 16'384;
+  if (names > most_rows_at_once) {
+    row_of_.resize(names);
+    return;
+  }
+  rows_.resize(names);
+  for (std::size_t i = 0; i < names; ++i) rows_[i].name = static_cast<std::uint32_t>(i);
+}
+
 group_sums sum_up(const std::vector<named_trace>& traces, const name_book& names,
                   const std::vector<list_choice>& choices) {
   group_sums sums;

@@ -30,13 +30,14 @@ struct list_row {
   split_amount sum;
 };
 
-// Sums by name, of which most may have none.
+// Sums by name. Where there are very many names most have none, and those take four bytes each.
 class list_sums {
  public:
   // By the numbers 0 to `names` - 1.
-  explicit list_sums(std::size_t names) : row_of_(names) {}
+  explicit list_sums(std::size_t names);
 
   split_amount& operator[](std::uint32_t name) {
+    if (row_of_.empty()) return rows_[name].sum;
     std::uint32_t& row = row_of_[name];
     if (row == 0) {
       rows_.push_back({name, {}});
@@ -44,11 +45,11 @@ class list_sums {
     }
     return rows_[row - 1].sum;
   }
-  // Those that were asked for, in that order.
+  // Those that were asked for, in some order, and perhaps others.
   const std::vector<list_row>& rows() const { return rows_; }
 
  private:
-  std::vector<std::uint32_t> row_of_;  // from 1 on; 0: none
+  std::vector<std::uint32_t> row_of_;  // from 1 on, 0: none; empty where every name has a row
   std::vector<list_row> rows_;
 };
 

@@ -106,9 +106,9 @@ TEST(CompactGroups, GiveTheFiguresOfPlainSums) {
       } else if (choice < 19 && !groups.is_empty(group) && groups.is_over(group)) {
         groups.save(group, aside);
         groups.forget(group);
+        released.insert(group);
         plain.aside.push_back(plain.all[group]);
         plain.all[group] = {};
-        release(group);
       }
     }
     groups.settle_peaks();
