@@ -11,7 +11,7 @@ bench        libbenchmark-dev valgrind heaptrack zstd
 format       clang-format-14 git
 check        clang-14 libclang-rt-14-dev clang-tidy-14 libbenchmark-dev node-typescript
 recorder     sqlite3 heaptrack zstd
-browser      chromium chromium-driver chromium-sandbox python3-pytest python3-selenium fonts-dejavu-core
+browser      chromium chromium-driver python3-pytest python3-selenium fonts-dejavu-core
 test32       g++-multilib
 emulate32    qemu-user
 clickhouse   clickhouse-server python3-pytest
