@@ -1,58 +1,11 @@
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <filesystem>
+#include <algorithm>
 #include <fstream>
 
+#include "kivdb/kivdb_program.h"
 #include "report/json_reader.h"
-#include "support/run_trace.h"
 
-// The program as its users and their scripts call it.
 namespace kiv::test {
 namespace {
-
-struct outcome {
-  int status;
-  std::string out, err;
-};
-
-// A directory with traces; every run has two of them.
-class Kivdb : public ::testing::Test {
- protected:
-  outcome kivdb(const std::string& arguments, const char* out = "out") {
-    const int status = std::system(("cd '" + dir_.path() + "' && TZ=UTC '" KIVDB_PROGRAM "' " +
-                                    arguments + " >" + out + " 2>err </dev/null")
-                                       .c_str());
-    return {WEXITSTATUS(status), read_file(dir_ / "out"), read_file(dir_ / "err")};
-  }
-
-  // A trace that makes a block of `kept` bytes, which leaks, and one of 10, which is freed.
-  static trace leaking(std::string_view run, std::int64_t pid, std::uint32_t kept) {
-    trace t;
-    t.runid(run).pid(pid).proc(7, "server").reserve(1, "oic:core");
-    t.malloc_wf(1, 0, 0x1000, kept, kept + 8).malloc_wf(1, 0, 0x2000, 10, 16).free(1, 0, 0x2000);
-    return t;
-  }
-
-  void write(const std::string& directory, const trace& t) {
-    ASSERT_TRUE(t.write(dir_ / directory));
-  }
-
-  // Run A leaks 100 + 20 bytes, B 150 + 20; C like B, but its last data file is cut short.
-  void write_runs() {
-    for (const auto& [run, kept] : {std::pair("A", 100u), {"B", 150u}, {"C", 150u}}) {
-      write(run, leaking(run, 41, kept));
-      write(run, leaking(run, 42, 20));
-    }
-    for (const auto& item : std::filesystem::directory_iterator(dir_ / "C")) {
-      if (item.path().extension() != ".kivdat") continue;
-      std::filesystem::resize_file(item.path(), item.file_size() - 3);
-    }
-  }
-
-  temp_dir dir_;
-};
 
 TEST_F(Kivdb, ReportTreeAndDiffStraightFromTraces) {
   write_runs();
@@ -301,85 +254,6 @@ TEST_F(Kivdb, WhatCannotBeReadIsStatus2AndNamed) {
   }
 }
 
-// What stands in a page for its scripts.
-json_value data_of(const std::string& page) {
-  const std::string begin = R"(<script type="application/json" id="kiv-report">)";
-  const std::size_t at = page.find(begin);
-  if (at == std::string::npos) return {};
-  const std::size_t from = at + begin.size();
-  return read_json(page.substr(from, page.find("</script>", from) - from));
-}
-
-// A value in one form, whatever blanks and escapes it was written with.
-std::string canonical(const json_value& value) {
-  std::string text = value.scalar;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    text +=
-        (i < value.keys.size() ? "," + value.keys[i] + ":" : ",") + canonical(value.elements[i]);
-  }
-  return "[" + text + "]";
-}
-
-TEST_F(Kivdb, APageHoldsWhatTheReportSays) {
-  for (const std::string sample : {"MIX", "NEXT", "SQL1"}) {
-    const std::string source = KIV_SOURCE_DIR "/samples/" + sample;
-    const auto report = kivdb("report " + source +
-                              " --json --by id,color,line,function,path,process,query"
-                              " --of leaked,peak,live,allocated,temporary");
-    const auto run = kivdb("html " + source + " -o p.html");
-    ASSERT_EQ(run.status, 0) << run.err;
-    const std::string page = read_file(dir_ / "p.html");
-    const auto runs = canonical(data_of(page)["runs"]);
-    EXPECT_GT(runs.size(), 1000u);
-    EXPECT_EQ(runs, canonical(read_json(report.out)["runs"])) << sample;
-    EXPECT_NE(page.find("<title>" + sample + " "), std::string::npos);
-    for (const char* mark : {"@TITLE@", "@DATA@", "@STYLE@", "@D3@", "@SCRIPT@", "@POLICY@"}) {
-      EXPECT_EQ(page.find(mark), std::string::npos) << mark;
-    }
-  }
-}
-
-TEST_F(Kivdb, APageComparesRunsOfSourcesOrOfADatabase) {
-  write_runs();
-  ASSERT_EQ(kivdb("import A B -o t.db").status, 0);
-  std::string first;
-  for (const char* runs : {"A B", "t.db A B", "t.db --run A --run B", "A B --run A --run B"}) {
-    const auto run = kivdb(std::string("html -o p.html ") + runs);
-    ASSERT_EQ(run.status, 0) << runs << ": " << run.err;
-    const std::string page = read_file(dir_ / "p.html");
-    const auto data = data_of(page);
-    EXPECT_EQ(data["runs"][0]["run"].scalar, "A") << runs;
-    EXPECT_EQ(data["runs"][1]["run"].scalar, "B") << runs;
-    EXPECT_EQ(data["page"]["runs"].size(), 2u) << runs;
-    if (first.empty()) first = page;
-    EXPECT_EQ(page, first) << runs;
-  }
-}
-
-TEST_F(Kivdb, APageIsReplacedWholeOrNotAtAll) {
-  namespace fs = std::filesystem;
-  write_runs();
-  std::ofstream(dir_ / "p.html") << "old";
-  fs::permissions(dir_ / "p.html", fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink("p.html", dir_ / "link.html");
-  const auto count = [&] { return std::distance(fs::directory_iterator(dir_.path()), {}); };
-  ASSERT_EQ(kivdb("runs nowhere.db").status, 2);  // the files of the outputs are there from now on
-  const auto before = count();
-  const int status = std::system(("cd '" + dir_.path() + "' && trap '' XFSZ && ulimit -f 100 && '" +
-                                  KIVDB_PROGRAM "' html A -o p.html >out 2>err")
-                                     .c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 2);
-  EXPECT_NE(read_file(dir_ / "err").find("p.html: File too large"), std::string::npos);
-  EXPECT_EQ(read_file(dir_ / "p.html"), "old");
-  EXPECT_EQ(count(), before) << "nothing is left beside it";
-  EXPECT_EQ(kivdb("html A -o link.html").status, 0);
-  EXPECT_EQ(data_of(read_file(dir_ / "p.html"))["runs"].size(), 1u);
-  EXPECT_TRUE(fs::is_symlink(dir_ / "link.html"));
-  EXPECT_EQ(fs::status(dir_ / "p.html").permissions(),
-            fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(count(), before);
-}
-
 TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
   write_runs();
   std::ofstream(dir_ / "A/kiv.43.kivhdr") << "no header";
@@ -389,73 +263,6 @@ TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
   EXPECT_EQ(json["runs"][0]["traces"][0]["complete"].scalar, "false");
   EXPECT_EQ(json["runs"][0]["traces"][0]["losses"][0]["what"].scalar, "unreadable header");
   EXPECT_EQ(kivdb("diff A B --fail-above leaked=1G").status, 4);
-}
-
-TEST_F(Kivdb, AnExportIsWrittenWholeOrNotAtAll) {
-  write_runs();
-  const std::string command = "export A --format speedscope";
-  const auto printed = kivdb(command);
-  ASSERT_EQ(printed.status, 0) << printed.err;
-  EXPECT_EQ(kivdb(command + " -o -").out, printed.out);
-  std::ofstream(dir_ / "old") << "what stood there before";
-  std::filesystem::permissions(dir_ / "old", std::filesystem::perms(0600));
-  std::filesystem::create_symlink("old", dir_ / "link");
-  const auto files = [&] {
-    return std::distance(std::filesystem::directory_iterator(dir_.path()),
-                         std::filesystem::directory_iterator());
-  };
-  const auto before = files();
-  // A limit on the size of files stands for a full disk.
-  const auto full = std::system(("cd '" + dir_.path() +
-                                 "' && trap '' XFSZ && ulimit -f 0 && '" KIVDB_PROGRAM "' " +
-                                 command + " -o link >/dev/null 2>&1")
-                                    .c_str());
-  EXPECT_EQ(WEXITSTATUS(full), 2);
-  EXPECT_EQ(read_file(dir_ / "old"), "what stood there before");
-  const auto run = kivdb(command + " -o link");
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out + run.err, "");
-  EXPECT_EQ(read_file(dir_ / "old"), printed.out);
-  EXPECT_TRUE(std::filesystem::is_symlink(dir_ / "link"));
-  EXPECT_EQ(std::filesystem::status(dir_ / "old").permissions(), std::filesystem::perms(0600));
-  EXPECT_EQ(files(), before) << "nothing is left beside";
-}
-
-TEST_F(Kivdb, AnExportOfAnIncompleteRunSaysSo) {
-  write_runs();
-  for (const std::string format : {"collapsed --of leaked", "speedscope", "pprof"}) {
-    auto run = kivdb("export C --format " + format);
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.err.find("run 'C', process 41: not complete: "), std::string::npos) << run.err;
-    EXPECT_EQ(kivdb("export A --format " + format).err, "");
-  }
-}
-
-// The names of a trace are any bytes, and a run of which only tables are there has no call paths.
-TEST_F(Kivdb, ExportsAddUpAsTheReportDoes) {
-  trace t;
-  t.runid("hostile").proc(7, "ser;ver\n\"\xff").special(7, 0, "ma;in").reserve(3, "oic:o;r\x1b[m");
-  t.color(0, "small; \\").object(3).function(3, 1, "ta\nke 1").function(3, 2, "ta ke 1");
-  t.hashloc(5, "a:b.c:12").hashloc(6, "\xc2\x85:07").hashloc(7, ":").link(7, 3);
-  t.malloc_wf(3, 0, 0x1000, 1, 8).schedule(0, 7).malloc_wf(3, 0, 0x2000, 10, 16, 5);
-  t.flow_in(7, 0, 3, 1).query_in(1, 'S', "SELECT\n1;\xff").malloc_wf(3, 0, 0x3000, 100, 104, 6);
-  t.query_out(1).flow_out().flow_in(7, 0, 3, 2).malloc_wf(3, 0, 0x4000, 1'000, 1'008, 7);
-  t.malloc_nf(3, 0, 0x5000, 10'000, 10'008, 7).free(3, 0, 0x4000).free(3, 0, 0x1000).free_id(3);
-  write("hostile", t);
-  std::filesystem::copy(KIV_SOURCE_DIR "/samples/MIX", dir_ / "MIX");
-  ASSERT_EQ(run_kiv(dir_.path(), {"-R", "MIX"}).status, 0);
-  for (const auto& item : std::filesystem::directory_iterator(dir_ / "MIX")) {
-    if (item.path().extension() == ".kivhdr") std::filesystem::remove(item.path());
-  }
-  EXPECT_NE(kivdb("export MIX --format collapsed --of leaked").err.find("have no call paths"),
-            std::string::npos);
-  write_runs();
-  const int status =
-      std::system(("cd '" + dir_.path() +
-                   "' && TZ=UTC '" PYTHON_PROGRAM "' '" KIV_SOURCE_DIR
-                   "/tests/export/check_exports.py' '" KIVDB_PROGRAM "' hostile MIX A C >out 2>err")
-                      .c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 0) << read_file(dir_ / "out") << read_file(dir_ / "err");
 }
 
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
