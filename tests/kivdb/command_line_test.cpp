@@ -265,6 +265,17 @@ TEST_F(Kivdb, OfSeveralHeadersOneThatCannotBeReadIsALoss) {
   EXPECT_EQ(kivdb("diff A B --fail-above leaked=1G").status, 4);
 }
 
+// It is loaded when a server is asked, and only then.
+TEST_F(Kivdb, WithoutTheLibraryForServersOnlyThoseCannotBeAsked) {
+  write_runs();
+  std::ofstream(dir_ / "libcurl.so.4") << "no library";
+  const std::string there = "export LD_LIBRARY_PATH=.";
+  const auto asked = kivdb_after(there, "runs clickhouse://127.0.0.1:1/kiv");
+  EXPECT_EQ(asked.status, 2);
+  EXPECT_NE(asked.err.find("libcurl.so.4"), std::string::npos) << asked.err;
+  EXPECT_EQ(kivdb_after(there, "report A").status, 0);
+}
+
 TEST_F(Kivdb, HelpHasAnExampleForEveryCommand) {
   for (const std::string command :
        {"import", "report", "tree", "diff", "html", "export", "trend", "fleet", "runs", "forget",
