@@ -4,6 +4,7 @@
 #include "clickhouse/result_cursor.h"
 #include "clickhouse/schema.h"
 #include "clickhouse/select_text.h"
+#include "store/run_columns.h"
 #include "store/view_catalogue.h"
 #include "util/printable.h"
 
@@ -12,29 +13,15 @@ namespace {
 
 // The columns of `runs` in the order of the view run_list, and the labels.
 store::run_info read_info(const result_cursor& row, bool& fits) {
-  int next = 0;
-  const auto text = [&] { return std::string(row.text(next++)); };
-  const auto number = [&] { return static_cast<std::uint64_t>(row.integer(next++)); };
-  const auto read_amount = [&](amount& a) {
-    a.blocks = number();
-    a.bytes = number();
-    a.tot_bytes = number();
-  };
-  store::run_info run;
-  run.name = text();
-  run.imported_at = text();
-  run.source = text();
-  run.traces = number();
-  run.complete = number() != 0;
-  run.from_rows = number() != 0;
-  run.records = number();
-  for (amount* a : {&run.allocated, &run.leaked, &run.live, &run.peak}) read_amount(*a);
-  const bool has_rows = row.type(next) != store::value_type::null;
-  const auto rows = number();
-  if (has_rows) run.rows = rows;
+  using store::row_count_column;
+  store::run_info run = store::read_run_columns([&](int column) { return row.text(column); },
+                                                [&](int column) { return row.integer(column); });
+  if (row.type(row_count_column) != store::value_type::null) {
+    run.rows = static_cast<std::uint64_t>(row.integer(row_count_column));
+  }
   std::vector<std::string> keys, values;
-  fits = fits && read_array(row.raw(next), keys) && read_array(row.raw(next + 1), values) &&
-         keys.size() == values.size();
+  fits = fits && read_array(row.raw(row_count_column + 1), keys) &&
+         read_array(row.raw(row_count_column + 2), values) && keys.size() == values.size();
   for (std::size_t i = 0; fits && i < keys.size(); ++i) run.labels.emplace_back(keys[i], values[i]);
   return run;
 }

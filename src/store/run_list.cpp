@@ -3,28 +3,17 @@
 #include <map>
 #include <utility>
 
+#include "store/run_columns.h"
+
 namespace kiv::store {
 namespace {
 
 run_info read_run(const statement& row) {
-  int next = 0;
-  const auto text = [&] { return std::string(row.text(next++)); };
-  const auto number = [&] { return static_cast<std::uint64_t>(row.number(next++)); };
-  const auto read_amount = [&](amount& a) {
-    a.blocks = number();
-    a.bytes = number();
-    a.tot_bytes = number();
-  };
-  run_info run;
-  run.name = text();
-  run.imported_at = text();
-  run.source = text();
-  run.traces = number();
-  run.complete = number() != 0;
-  run.from_rows = number() != 0;
-  run.records = number();
-  for (amount* a : {&run.allocated, &run.leaked, &run.live, &run.peak}) read_amount(*a);
-  if (row.type(next) != SQLITE_NULL) run.rows = number();
+  run_info run = read_run_columns([&](int column) { return row.text(column); },
+                                  [&](int column) { return row.number(column); });
+  if (row.type(row_count_column) != SQLITE_NULL) {
+    run.rows = static_cast<std::uint64_t>(row.number(row_count_column));
+  }
   return run;
 }
 
