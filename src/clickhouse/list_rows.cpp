@@ -1,4 +1,5 @@
 #include <concepts>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -24,9 +25,24 @@ struct entry {
   void add(T number) { numbers.push_back(static_cast<std::int64_t>(number)); }
 };
 
+// Rows that are inserted when there are enough of them.
+struct row_pieces {
+  void end_row() {
+    rows.end_row();
+    if (rows.is_full()) send();
+  }
+  void send() {
+    if (done && !rows.bytes().empty()) done = insert(rows.take());
+  }
+
+  const std::function<bool(std::string)>& insert;
+  tsv_writer rows = {};
+  bool done = true;  // false after an insert that was not
+};
+
 class list_writer {
  public:
-  list_writer(tsv_writer& out, const load_id& load, std::size_t trace, const profile& p)
+  list_writer(row_pieces& out, const load_id& load, std::size_t trace, const profile& p)
       : out_(out), load_(load), trace_(trace), profile_(p), paths_(path_texts(p)) {
     for (const auto& group : p.groups) {
       auto& [figures, leaked] = by_path_[group.path];
@@ -37,7 +53,7 @@ class list_writer {
 
   void operator()(std::string_view list, const auto& entries, auto columns_of) {
     if constexpr (!std::is_same_v<std::decay_t<decltype(entries)>, block_groups>) {
-      for (std::size_t place = 0; place < entries.size(); ++place) {
+      for (std::size_t place = 0; out_.done && place < entries.size(); ++place) {
         entry row;
         columns_of(row, entries[place]);
         extend(row, entries[place], place);
@@ -50,7 +66,7 @@ class list_writer {
   void operator()(std::string_view list, const std::vector<Owner>& owners) {
     std::map<std::uint32_t, std::uint64_t> before;  // the level of an id
     std::size_t count = 0;
-    for (std::size_t owner = 0; owner < owners.size(); ++owner) {
+    for (std::size_t owner = 0; out_.done && owner < owners.size(); ++owner) {
       for (std::size_t place = 0; place < owners[owner].changed.size(); ++place) {
         const id_level& level = owners[owner].changed[place];
         entry row;
@@ -89,18 +105,19 @@ class list_writer {
   }
 
   void write(std::string_view list, std::size_t place, const entry& row) {
-    out_.add(load_.run);
-    out_.add(load_.import);
-    out_.add(list);
-    out_.add(static_cast<std::int64_t>(trace_));
-    out_.add(static_cast<std::int64_t>(place));
-    out_.add(profile_.pid);
-    out_.add(row.numbers);
-    out_.add(row.texts);
+    tsv_writer& fields = out_.rows;
+    fields.add(load_.run);
+    fields.add(load_.import);
+    fields.add(list);
+    fields.add(static_cast<std::int64_t>(trace_));
+    fields.add(static_cast<std::int64_t>(place));
+    fields.add(profile_.pid);
+    fields.add(row.numbers);
+    fields.add(row.texts);
     out_.end_row();
   }
 
-  tsv_writer& out_;
+  row_pieces& out_;
   const load_id& load_;
   std::size_t trace_;
   const profile& profile_;
@@ -110,14 +127,16 @@ class list_writer {
 
 }  // namespace
 
-std::string list_rows(const load_id& load, const run_profile& run) {
-  tsv_writer out;
-  for (std::size_t i = 0; i < run.traces.size(); ++i) {
+bool insert_list_rows(const load_id& load, const run_profile& run,
+                      const std::function<bool(std::string)>& insert) {
+  row_pieces out{insert};
+  for (std::size_t i = 0; out.done && i < run.traces.size(); ++i) {
     list_writer write(out, load, i, run.traces[i]);
     store::visit_lists(run.traces[i], write);
     store::visit_levels(run.traces[i], write);
   }
-  return out.take();
+  out.send();
+  return out.done;
 }
 
 }  // namespace kiv::clickhouse

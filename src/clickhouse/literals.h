@@ -28,6 +28,8 @@ class tsv_writer {
   }
 
   const std::string& bytes() const { return bytes_; }
+  // Whether there is enough for one insert.
+  bool is_full() const { return bytes_.size() >= std::size_t{16} << 20; }
   std::string take();
 
  private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,7 +22,7 @@ struct load_id {
 // All figures of some groups in the order of the views, with those that leaked, and the resizes.
 std::vector<std::int64_t> view_figures(const group_figures& figures, const amount& leaked);
 
-// Rows for import_stored, trace_stored, block_group_stored, name_sum_stored and list_stored.
+// Rows for import_stored, trace_stored, block_group_stored and name_sum_stored.
 std::string import_row(const load_id& load, const run_profile& run,
                        const store::save_options& options, const std::string& imported_at,
                        std::optional<std::uint64_t> row_count);
@@ -30,6 +31,10 @@ std::string trace_rows(const load_id& load, const run_profile& run,
                        const store::run_labels& labels);
 std::string block_group_rows(const load_id& load, const run_profile& run);
 std::string name_sum_rows(const load_id& load, const run_profile& run);
-std::string list_rows(const load_id& load, const run_profile& run);
+
+// Hands rows for list_stored to `insert`, some megabytes at a time: call paths are there as text,
+// which may be much longer than the profile. False, at once, when `insert` gives that.
+bool insert_list_rows(const load_id& load, const run_profile& run,
+                      const std::function<bool(std::string)>& insert);
 
 }  // namespace kiv::clickhouse

@@ -3,11 +3,6 @@
 #include "clickhouse/schema.h"
 
 namespace kiv::clickhouse {
-namespace {
-
-constexpr std::size_t bytes_at_once = std::size_t{16} << 20;
-
-}  // namespace
 
 row_inserter::row_inserter(insert_pool& pool, const server_url& url, const load_id& load)
     : pool_(pool), url_(url) {
@@ -33,7 +28,7 @@ bool row_inserter::write(std::span<const store::row_value> row) {
     column.is_text ? rows_.add(value.text) : rows_.add(value.number);
   }
   rows_.end_row();
-  return rows_.bytes().size() < bytes_at_once || send();
+  return !rows_.is_full() || send();
 }
 
 bool row_inserter::finish() { return send(); }

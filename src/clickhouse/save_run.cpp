@@ -33,10 +33,12 @@ server_failure server_store::send(const run_profile& run, const store::save_opti
     return pool_.insert(insert_table(table, url.cluster), std::move(rows));
   };
   std::optional<std::uint64_t> row_count;
-  bool done = insert("list_stored", list_rows(load, run)) &&
-              insert("block_group_stored", block_group_rows(load, run)) &&
-              insert("name_sum_stored", name_sum_rows(load, run)) &&
-              insert("trace_stored", trace_rows(load, run, options.labels));
+  bool done =
+      insert_list_rows(load, run,
+                       [&](std::string rows) { return insert("list_stored", std::move(rows)); }) &&
+      insert("block_group_stored", block_group_rows(load, run)) &&
+      insert("name_sum_stored", name_sum_rows(load, run)) &&
+      insert("trace_stored", trace_rows(load, run, options.labels));
   if (done && options.rows) {
     row_inserter target(pool_, url, load);
     row_count = options.rows(target, run, error);
