@@ -91,7 +91,7 @@ void add_fleet(program_options& program) {
                                                 "Print what many runs have in common: by program, "
                                                 "release and host, and what leaks since when",
                                                 [arguments] { return run_fleet(*arguments); });
-  command.argument("source", arguments->source, "Database file");
+  command.argument("source", arguments->source, "Database: a file, or the URL of a server");
   command.option("--label", arguments->label, "The label whose values are the releases (release)");
   command.choice("--by", arguments->by, fleet_keys(), "What names stand for");
   command.choice("--of", arguments->of,

@@ -34,7 +34,7 @@ void add_forget(program_options& program) {
   command_options command =
       program.add_command("forget", "Delete runs from a database, all or none",
                           [arguments] { return run_forget(*arguments); });
-  command.argument("file", arguments->file, "Database file");
+  command.argument("file", arguments->file, "Database: a file, or the URL of a server");
   command.arguments("run", arguments->runs, "Names of runs");
   arguments->output.add_to(command);
   command.example("kivdb forget nightly.db R40 R41");

@@ -63,7 +63,7 @@ void add_runs(program_options& program) {
   command_options command =
       program.add_command("runs", "List the runs of a database in the order of their import",
                           [arguments] { return run_runs(*arguments); });
-  command.argument("file", arguments->file, "Database file");
+  command.argument("file", arguments->file, "Database: a file, or the URL of a server");
   arguments->output.add_to(command);
   command.example("kivdb runs nightly.db");
 }

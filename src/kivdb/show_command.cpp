@@ -36,7 +36,7 @@ void add_show(program_options& program) {
   auto arguments = std::make_shared<show_arguments>();
   command_options command = program.add_command("show", "Print a view of a database",
                                                 [arguments] { return run_show(*arguments); });
-  command.argument("file", arguments->file, "Database file");
+  command.argument("file", arguments->file, "Database: a file, or the URL of a server");
   command.argument("view", arguments->view, "Name of the view; `kivdb views` lists them");
   command.option("--run", arguments->run, "Only rows of this run");
   arguments->top.add_to(command);

@@ -35,7 +35,7 @@ void add_sql(program_options& program) {
   auto arguments = std::make_shared<sql_arguments>();
   command_options command = program.add_command("sql", "Print the rows of a SELECT of your own",
                                                 [arguments] { return run_sql(*arguments); });
-  command.argument("file", arguments->file, "Database file");
+  command.argument("file", arguments->file, "Database: a file, or the URL of a server");
   command.argument("statement", arguments->sql, "A SELECT statement");
   arguments->top.add_to(command);
   arguments->output.add_to(command);

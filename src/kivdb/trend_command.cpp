@@ -56,7 +56,7 @@ void add_trend(program_options& program) {
   auto arguments = std::make_shared<trend_arguments>();
   command_options command = program.add_command("trend", "Print what the runs of a database became",
                                                 [arguments] { return run_trend(*arguments); });
-  command.argument("file", arguments->file, "Database file");
+  command.argument("file", arguments->file, "Database: a file, or the URL of a server");
   arguments->list.add_key_to(command);
   arguments->list.add_measure_to(command, "What to follow by name");
   command.count("--last", arguments->last, "Only so many runs, the last ones");
