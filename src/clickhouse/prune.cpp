@@ -30,13 +30,21 @@ class pruner {
   }
 
   bool erase(std::string_view table, const imports& which) {
-    if (which.empty()) return true;
-    std::string list;
-    for (const auto import : which) list += (list.empty() ? "" : ", ") + std::to_string(import);
-    const server_failure failure = server_.execute("ALTER TABLE " + std::string(table) +
-                                                   " DELETE WHERE import IN (" + list + ")");
-    if (failure) error_ = in_words(failure, url_);
-    return !failure;
+    constexpr std::size_t most_at_once = 5000;  // statements are bounded
+    for (auto next = which.begin(); next != which.end();) {
+      std::string list;
+      for (std::size_t i = 0; i < most_at_once && next != which.end(); ++i, ++next) {
+        if (!list.empty()) list += ", ";
+        list += std::to_string(*next);
+      }
+      const server_failure failure = server_.execute("ALTER TABLE " + std::string(table) +
+                                                     " DELETE WHERE import IN (" + list + ")");
+      if (failure) {
+        error_ = in_words(failure, url_);
+        return false;
+      }
+    }
+    return true;
   }
 
   // Rows vanish some time after the server was told to delete them.
