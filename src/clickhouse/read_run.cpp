@@ -1,7 +1,6 @@
 #include "clickhouse/read_run.h"
 
 #include <algorithm>
-#include <concepts>
 #include <functional>
 #include <map>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "clickhouse/schema.h"
 #include "store/places_fit.h"
 #include "store/profile_columns.h"
+#include "store/value_reader.h"
 
 namespace kiv::clickhouse {
 namespace {
@@ -21,39 +21,22 @@ struct stored_entry {
   std::vector<std::string> texts;
 };
 
-// Reads the members of an entry, one after another.
-class member_reader {
- public:
-  member_reader(stored_entry& entry, bool& fits) : entry_(entry), fits_(fits) {}
-  void operator()(auto&... values) { (read(values), ...); }
-
- private:
-  std::int64_t next_number() {
-    fits_ = fits_ && number_ < entry_.numbers.size();
-    return fits_ ? entry_.numbers[number_++] : 0;
+// The members of an entry, one after another; those of a damaged one may be too few.
+struct next_members {
+  std::int64_t number() {
+    fits = fits && numbers < entry.numbers.size();
+    return fits ? entry.numbers[numbers++] : 0;
   }
-  void read(std::string& text) {
-    fits_ = fits_ && text_ < entry_.texts.size();
-    if (fits_) text = std::move(entry_.texts[text_++]);
-  }
-  void read(bool& value) { value = next_number() != 0; }
-  void read(distribution& value) {
-    const auto number = next_number();
-    fits_ = fits_ && (number == 0 || number == 1);
-    value = number == 0 ? distribution::size : distribution::lifetime;
-  }
-  template <std::integral T>
-  void read(T& value) {
-    const auto number = next_number();
-    // Counters that went below zero are stored modulo 2^64.
-    if constexpr (sizeof(T) < sizeof number) fits_ = fits_ && std::in_range<T>(number);
-    value = static_cast<T>(number);
+  std::string text() {
+    fits = fits && texts < entry.texts.size();
+    return fits ? std::move(entry.texts[texts++]) : std::string();
   }
 
-  stored_entry& entry_;
-  bool& fits_;
-  std::size_t number_ = 0, text_ = 0;
+  stored_entry& entry;
+  bool& fits;
+  std::size_t numbers = 0, texts = 0;
 };
+using member_reader = store::value_reader<next_members>;
 
 using stored_lists = std::map<std::string, std::vector<stored_entry>, std::less<>>;
 
@@ -66,7 +49,7 @@ class profile_maker {
       fits_ = fits_ && stored.place == static_cast<std::int64_t>(entries.size());
       if (!fits_) return;
       typename std::decay_t<decltype(entries)>::value_type made;
-      columns_of(member_reader(stored, fits_), made);
+      columns_of(member_reader({stored, fits_}, fits_), made);
       entries.push_back(std::move(made));
     }
   }
@@ -75,7 +58,7 @@ class profile_maker {
       fits_ = fits_ && stored.place == static_cast<std::int64_t>(groups.size());
       if (!fits_) return;
       block_group group;
-      columns_of(member_reader(stored, fits_), group);
+      columns_of(member_reader({stored, fits_}, fits_), group);
       groups.push_back(group);
     }
   }
@@ -84,7 +67,7 @@ class profile_maker {
     for (auto& stored : in_order(list)) {
       std::size_t owner = 0, place = 0;
       id_level level;
-      member_reader(stored, fits_)(owner, place, level.id, level.bytes);
+      member_reader({stored, fits_}, fits_)(owner, place, level.id, level.bytes);
       fits_ = fits_ && owner < owners.size() && place == owners[owner].changed.size();
       if (!fits_) return;
       owners[owner].changed.push_back(level);
@@ -93,7 +76,7 @@ class profile_maker {
   void read_trace(profile& into) {
     auto& stored = in_order("trace");
     fits_ = stored.size() == 1;
-    if (fits_) store::trace_columns(member_reader(stored[0], fits_), into);
+    if (fits_) store::trace_columns(member_reader({stored[0], fits_}, fits_), into);
   }
   bool fits() const { return fits_; }
 

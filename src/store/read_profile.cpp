@@ -1,42 +1,23 @@
-#include <concepts>
 #include <string>
-#include <utility>
+#include <string_view>
 
 #include "store/places_fit.h"
 #include "store/profile_columns.h"
 #include "store/profile_tables.h"
+#include "store/value_reader.h"
 
 namespace kiv::store {
 namespace {
 
-// Reads the columns of a row, one after another.
-class column_reader {
- public:
-  column_reader(const statement& row, int first, bool& fits)
-      : row_(row), next_(first), fits_(fits) {}
+// The columns of a row, one after another.
+struct next_columns {
+  std::int64_t number() { return row.number(next++); }
+  std::string_view text() { return row.text(next++); }
 
-  void operator()(auto&... values) { (read(values), ...); }
-
- private:
-  void read(std::string& text) { text = row_.text(next_++); }
-  void read(bool& value) { value = row_.number(next_++) != 0; }
-  void read(distribution& value) {
-    const auto number = row_.number(next_++);
-    fits_ = fits_ && (number == 0 || number == 1);
-    value = number == 0 ? distribution::size : distribution::lifetime;
-  }
-  template <std::integral T>
-  void read(T& value) {
-    const auto number = row_.number(next_++);
-    // Counters that went below zero are stored modulo 2^64.
-    if constexpr (sizeof(T) < sizeof number) fits_ = fits_ && std::in_range<T>(number);
-    value = static_cast<T>(number);
-  }
-
-  const statement& row_;
-  int next_;
-  bool& fits_;
+  const statement& row;
+  int next;
 };
+using column_reader = value_reader<next_columns>;
 
 class profile_reader {
  public:
@@ -47,7 +28,7 @@ class profile_reader {
     statement query = select(table, " ORDER BY place");
     while (done_ && query.step()) {
       fits_ = fits_ && query.number(1) == static_cast<std::int64_t>(list.size());
-      columns_of(column_reader(query, 2, fits_), list.emplace_back());
+      columns_of(column_reader({query, 2}, fits_), list.emplace_back());
     }
     done_ = done_ && !query.failed();
   }
@@ -57,7 +38,7 @@ class profile_reader {
     while (done_ && query.step()) {
       fits_ = fits_ && query.number(1) == static_cast<std::int64_t>(list.size());
       block_group group;
-      columns_of(column_reader(query, 2, fits_), group);
+      columns_of(column_reader({query, 2}, fits_), group);
       list.push_back(group);
     }
     done_ = done_ && !query.failed();
@@ -71,7 +52,7 @@ class profile_reader {
       fits_ = fits_ && owner < owners.size();
       if (!fits_) return;
       auto& level = owners[owner].changed.emplace_back();
-      column_reader(query, 3, fits_)(level.id, level.bytes);
+      column_reader({query, 3}, fits_)(level.id, level.bytes);
     }
     done_ = done_ && !query.failed();
   }
@@ -80,7 +61,7 @@ class profile_reader {
     statement query = select("trace", "");
     if (!done_) return;
     fits_ = query.step();
-    if (fits_) trace_columns(column_reader(query, 2, fits_), into);
+    if (fits_) trace_columns(column_reader({query, 2}, fits_), into);
     done_ = !query.failed();
   }
 
