@@ -969,6 +969,80 @@ SELECT run, import AS import_order, program, host, name, allocated_bytes, leaked
 FROM name_sum_stored
 WHERE import IN (SELECT import FROM newest_import) AND key = 'query';
 
+-- the first run in which a name of any kind leaked, and the last one
+CREATE VIEW IF NOT EXISTS fleet_first_leaks AS
+SELECT key, program, name, argMin(run, import) AS first_run, argMin(leaked, import) AS leaked_bytes,
+  toInt64(count()) AS runs, argMax(run, import) AS last_run
+FROM (
+  SELECT key, import, run, program, name, sum(leaked_bytes) AS leaked
+  FROM name_sum_stored WHERE import IN (SELECT import FROM newest_import) AND leaked_bytes != 0
+  GROUP BY key, import, run, program, name
+)
+GROUP BY key, program, name;
+
+-- names of any kind that leaked more in each of the last five runs of a program than in the one before
+CREATE VIEW IF NOT EXISTS fleet_growth AS
+SELECT key, program, name, runs[1].2 AS first_run, runs[-1].2 AS last_run,
+  if(length(steps) = 5, steps[1].2, toInt64(0)) AS first_bytes, steps[-1].2 AS last_bytes
+FROM (
+  SELECT item.1 AS key, program, item.2 AS name, any(all_runs) AS runs,
+    arraySort(groupArray((item.3, item.4))) AS steps
+  FROM (
+    SELECT program, all_runs, arrayJoin(items) AS item
+    FROM (
+      SELECT program, arraySort(groupUniqArray((import, run))) AS all_runs,
+        groupArray((key, name, import, leaked)) AS items
+      FROM (
+        SELECT program, key, name, import, run, sum(bytes) AS leaked
+        FROM (
+          SELECT program, key, name, import, run, leaked_bytes AS bytes
+          FROM name_sum_stored WHERE import IN (SELECT import FROM newest_import) AND (program, import) GLOBAL IN (
+      SELECT program, arrayJoin(arraySlice(arraySort(groupUniqArray(import)), -5)) AS last_import
+      FROM trace_stored WHERE import IN (SELECT import FROM newest_import)
+      GROUP BY program HAVING length(groupUniqArray(import)) >= 5
+    )
+          UNION ALL
+          SELECT program, '' AS key, '' AS name, import, run, toInt64(0) AS bytes
+          FROM trace_stored WHERE import IN (SELECT import FROM newest_import) AND (program, import) GLOBAL IN (
+      SELECT program, arrayJoin(arraySlice(arraySort(groupUniqArray(import)), -5)) AS last_import
+      FROM trace_stored WHERE import IN (SELECT import FROM newest_import)
+      GROUP BY program HAVING length(groupUniqArray(import)) >= 5
+    )
+        )
+        GROUP BY program, key, name, import, run
+      )
+      GROUP BY program
+    )
+  )
+  WHERE item.4 != 0
+  GROUP BY key, program, name
+)
+WHERE (length(steps) = 5 OR (length(steps) = 4 AND steps[1].1 != runs[1].1))
+  AND arrayAll((a, b) -> b.2 > a.2, arrayPopBack(steps), arrayPopFront(steps));
+
+-- runs with more than twice the median of their program and the label "release"
+CREATE VIEW IF NOT EXISTS fleet_outliers AS
+SELECT program, release, run, found.1 AS measure, found.2 AS bytes, found.3 AS median_bytes
+FROM (
+  SELECT program, release, item.1 AS run, arrayJoin([('leaked', item.3, median_leaked),
+    ('peak', item.2, median_peak)]) AS found
+  FROM (
+    SELECT program, release, median_peak, median_leaked, arrayJoin(items) AS item
+    FROM (
+      SELECT program, release, groupArray((run, peak, leaked)) AS items,
+        arraySort(groupArray(peak))[toInt64(intDiv(count() * 50, 100)) + 1] AS median_peak,
+        arraySort(groupArray(leaked))[toInt64(intDiv(count() * 50, 100)) + 1] AS median_leaked
+      FROM (
+        SELECT import, run, program, release, sum(peak_bytes) AS peak,
+          sum(total_leaked_bytes) AS leaked
+        FROM trace_stored WHERE import IN (SELECT import FROM newest_import) GROUP BY import, run, program, release
+      )
+      GROUP BY program, release
+    )
+  )
+)
+WHERE bytes > 2 * median_bytes;
+
 -- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
 CREATE VIEW IF NOT EXISTS fleet_summary AS
 SELECT program, release, toInt64(count()) AS runs,

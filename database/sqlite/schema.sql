@@ -605,9 +605,97 @@ g.allocated_bytes, g.leaked_bytes, g.live_bytes, g.peak_bytes, g.temporary_bytes
 FROM sum_by_query g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
 JOIN query_text n ON n.trace = g.trace AND n.place = g.place;
 
--- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
-CREATE VIEW fleet_summary AS
-WITH one AS (  -- of a run and a program
+-- the first run in which a name of any kind leaked, and the last one
+CREATE VIEW fleet_first_leaks AS
+WITH leaks AS (
+  SELECT key, import_order, run, program, name, SUM(leaked_bytes) AS leaked FROM (
+    SELECT 'id' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_id g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN id_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'color' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name || ' / ' || c.name AS name, g.leaked_bytes
+    FROM sum_by_color g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+    JOIN color_name c ON c.trace = g.trace AND c.place = g.place
+    UNION ALL
+    SELECT 'line' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_line g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN line_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'function' AS key, r.name AS run, r.run AS import_order, t.program, t.host, CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END AS name, g.leaked_bytes
+    FROM sum_by_function g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+    JOIN function_name f ON f.trace = g.trace AND f.place = g.place
+    UNION ALL
+    SELECT 'process' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_process g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+    JOIN process_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'query' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.text AS name, g.leaked_bytes
+    FROM sum_by_query g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN query_text n ON n.trace = g.trace AND n.place = g.place
+  ) WHERE leaked_bytes <> 0 GROUP BY key, import_order, run, program, name
+), placed AS (
+  SELECT key, program, name, run, leaked,
+    ROW_NUMBER() OVER (PARTITION BY key, program, name ORDER BY import_order) AS nth,
+    COUNT(*) OVER (PARTITION BY key, program, name) AS runs
+  FROM leaks
+)
+SELECT key, program, name, MAX(CASE WHEN nth = 1 THEN run END) AS first_run,
+  MAX(CASE WHEN nth = 1 THEN leaked END) AS leaked_bytes, runs,
+  MAX(CASE WHEN nth = runs THEN run END) AS last_run
+FROM placed GROUP BY key, program, name, runs
+ORDER BY 1, 2, 3;
+
+-- names of any kind that leaked more in each of the last five runs of a program than in the one before
+CREATE VIEW fleet_growth AS
+WITH leaks AS (
+  SELECT key, import_order, run, program, name, SUM(leaked_bytes) AS leaked FROM (
+    SELECT 'id' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_id g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN id_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'color' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name || ' / ' || c.name AS name, g.leaked_bytes
+    FROM sum_by_color g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+    JOIN color_name c ON c.trace = g.trace AND c.place = g.place
+    UNION ALL
+    SELECT 'line' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_line g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN line_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'function' AS key, r.name AS run, r.run AS import_order, t.program, t.host, CASE f.object WHEN '' THEN f.name ELSE f.object || ':' || f.name END AS name, g.leaked_bytes
+    FROM sum_by_function g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+    JOIN function_name f ON f.trace = g.trace AND f.place = g.place
+    UNION ALL
+    SELECT 'process' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.name AS name, g.leaked_bytes
+    FROM sum_by_process g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run
+    JOIN process_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'query' AS key, r.name AS run, r.run AS import_order, t.program, t.host, n.text AS name, g.leaked_bytes
+    FROM sum_by_query g JOIN trace t ON t.trace = g.trace JOIN run r ON r.run = t.run JOIN query_text n ON n.trace = g.trace AND n.place = g.place
+  ) WHERE leaked_bytes <> 0 GROUP BY key, import_order, run, program, name
+), counted AS (
+  SELECT program, import_order, run,
+    ROW_NUMBER() OVER (PARTITION BY program ORDER BY import_order DESC) AS back,
+    COUNT(*) OVER (PARTITION BY program) AS runs
+  FROM (SELECT DISTINCT program, import_order, run FROM (SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
+  CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
+FROM trace t JOIN run r ON r.run = t.run))
+), last AS (  -- nth of them, from 1 to 5
+  SELECT program, import_order, run, 6 - back AS nth FROM counted WHERE back <= 5 AND runs >= 5
+), steps AS (
+  SELECT s.key, s.program, s.name, l.nth, s.leaked,
+    LAG(s.leaked, 1, 0) OVER (PARTITION BY s.key, s.program, s.name ORDER BY l.nth) AS before
+  FROM leaks s JOIN last l ON l.program = s.program AND l.import_order = s.import_order
+), grown AS (  -- where a name is not in a run, it leaked nothing there: so only the first may lack it
+  SELECT key, program, name, MAX(CASE WHEN nth = 1 THEN leaked ELSE 0 END) AS first_bytes,
+    MAX(CASE WHEN nth = 5 THEN leaked ELSE 0 END) AS last_bytes
+  FROM steps GROUP BY key, program, name
+  HAVING (COUNT(*) = 5 OR (COUNT(*) = 4 AND MIN(nth) = 2)) AND MIN(leaked > before) = 1
+)
+SELECT g.key, g.program, g.name, a.run AS first_run, b.run AS last_run, g.first_bytes, g.last_bytes
+FROM grown g JOIN last a ON a.program = g.program AND a.nth = 1
+JOIN last b ON b.program = g.program AND b.nth = 5
+ORDER BY 1, 2, 3;
+
+-- runs with more than twice the median of their program and the label "release"
+CREATE VIEW fleet_outliers AS
+WITH one AS (
   SELECT import_order, run, program, SUM(peak_bytes) AS peak, SUM(leaked_bytes) AS leaked
   FROM (SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
   CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
@@ -615,10 +703,43 @@ WITH one AS (  -- of a run and a program
   COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
 FROM trace t JOIN run r ON r.run = t.run) GROUP BY import_order, run, program
 ), named AS (
-  SELECT o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
+  SELECT o.run, o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
   FROM one o LEFT JOIN run_label l ON l.run = o.import_order AND l.key = 'release'
 ), placed AS (
-  SELECT program, release, peak, leaked,
+  SELECT run, program, release, peak, leaked,
+    COUNT(*) OVER (PARTITION BY program, release) AS runs,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY peak) - 1 AS by_peak,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY leaked) - 1 AS by_leaked
+  FROM named
+), medians AS (
+  SELECT program, release, MAX(CASE WHEN by_peak = runs / 2 THEN peak END) AS peak,
+    MAX(CASE WHEN by_leaked = runs / 2 THEN leaked END) AS leaked
+  FROM placed GROUP BY program, release
+)
+SELECT p.program, p.release, p.run, 'leaked' AS measure, p.leaked AS bytes,
+  m.leaked AS median_bytes
+FROM placed p JOIN medians m ON m.program = p.program AND m.release = p.release
+WHERE p.leaked > 2 * m.leaked
+UNION ALL
+SELECT p.program, p.release, p.run, 'peak' AS measure, p.peak AS bytes, m.peak AS median_bytes
+FROM placed p JOIN medians m ON m.program = p.program AND m.release = p.release
+WHERE p.peak > 2 * m.peak
+ORDER BY 1, 2, 3, 4;
+
+-- runs, and median and 95th percentile of peak and leaks, by program and the label "release"
+CREATE VIEW fleet_summary AS
+WITH one AS (
+  SELECT import_order, run, program, SUM(peak_bytes) AS peak, SUM(leaked_bytes) AS leaked
+  FROM (SELECT r.name AS run, r.run AS import_order, t.program, t.host, t.pid,
+  CASE WHEN t.from_rows OR EXISTS (SELECT 1 FROM trace_loss l WHERE l.trace = t.trace)
+    THEN 0 ELSE 1 END AS complete, t.records, t.peak_bytes,
+  COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
+FROM trace t JOIN run r ON r.run = t.run) GROUP BY import_order, run, program
+), named AS (
+  SELECT o.run, o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
+  FROM one o LEFT JOIN run_label l ON l.run = o.import_order AND l.key = 'release'
+), placed AS (
+  SELECT run, program, release, peak, leaked,
     COUNT(*) OVER (PARTITION BY program, release) AS runs,
     ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY peak) - 1 AS by_peak,
     ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY leaked) - 1 AS by_leaked

@@ -21,6 +21,7 @@ namespace {
 constexpr std::string_view stored_suffix = "_stored", all_suffix = "_everywhere",
                            shard_suffix = "_shard";
 constexpr std::string_view newest = "import IN (SELECT import FROM newest_import)";
+constexpr std::string_view from = "FROM ";
 
 // The newest loads of runs that were not deleted. Each shard has those of its own runs.
 constexpr std::string_view newest_import =
@@ -126,6 +127,14 @@ std::string name_of_table(std::string_view create) {
   return std::string(create.substr(0, create.find(' ')));
 }
 
+// A table that loads write, as views name it, without the end of its name; else nothing.
+std::string_view stored_name(std::string_view table) {
+  for (const std::string_view suffix : {stored_suffix, all_suffix}) {
+    if (table.ends_with(suffix)) return table.substr(0, table.size() - suffix.size());
+  }
+  return {};
+}
+
 bool is_of_all_shards(const sql_view& view) {
   return view.select.find(all_suffix) != std::string::npos;
 }
@@ -184,22 +193,28 @@ std::string select_of_view(std::string_view view, std::string_view database,
                            std::string_view cluster, const one_load* only) {
   const auto found = std::ranges::find(views(), view, &sql_view::name);
   if (found == views().end()) return {};
-  std::string sql = found->select;
   const std::string in = quoted_identifier(database) + ".";
   const std::string which =
       only != nullptr ? rows_of(only->run) + " AND import = " + std::to_string(only->import)
                       : "import IN (SELECT import FROM " + in + "newest_import)";
-  const auto where = sql.find(newest);
-  if (where != std::string::npos) sql.replace(where, newest.size(), which);
-  // Behind FROM alone, since a name of a run may hold anything.
-  for (const std::string_view table : {"block_group", "list", "name_sum", "trace", "import"}) {
-    for (const std::string_view suffix : {stored_suffix, all_suffix}) {
-      const std::string from = "FROM " + std::string(table) + std::string(suffix);
-      const auto at = sql.find(from);
-      if (at > where) continue;
-      const std::string stored = std::string(table) + std::string(stored_suffix);
-      sql.replace(at, from.size(), "FROM " + in + insert_table(stored, cluster));
-      return sql;
+  // What is put in is not looked at again: a name of a run may hold anything.
+  std::string sql;
+  for (std::string_view rest = found->select; !rest.empty();) {
+    const auto next = std::min(rest.find(newest), rest.find(from));
+    sql += rest.substr(0, next);
+    if (next == std::string_view::npos) break;
+    rest.remove_prefix(next);
+    if (rest.starts_with(newest)) {
+      sql += which;
+      rest.remove_prefix(newest.size());
+      continue;
+    }
+    rest.remove_prefix(from.size());
+    const std::string_view table = rest.substr(0, rest.find_first_of(" \n)"));
+    sql += from;
+    if (const std::string_view stored = stored_name(table); !stored.empty()) {
+      sql += in + insert_table(std::string(stored) + std::string(stored_suffix), cluster);
+      rest.remove_prefix(table.size());
     }
   }
   return sql;

@@ -33,6 +33,13 @@ def test_question(fleet, question):
     assert of_file.count(b"\n") > 1
 
 
+@pytest.mark.parametrize("view", ["fleet_summary", "fleet_outliers", "fleet_first_leaks", "fleet_growth"])
+def test_view(fleet, view):
+    of_file, of_server = (kivdb("show", source, view, "--csv") for source in fleet)
+    assert of_server == of_file
+    assert of_file.count(b"\n") > 1
+
+
 def test_runs_lie_on_both_shards(fleet, cluster):
     counts = [int(cluster.query("SELECT count() FROM import_stored", server, "fleet")[0][0]) for server in (1, 2)]
     assert sum(counts) == RUNS

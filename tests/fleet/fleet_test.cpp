@@ -234,6 +234,9 @@ TEST_F(Fleet, NamesRunsBeyondAMultipleOfTheMedian) {
     fleet_options options;
     options.beyond.thousandths = thousandths;
     EXPECT_EQ(sorted(rows_of(outliers_of(runs_, options))), sorted(expected)) << thousandths;
+    if (thousandths == 2000) {
+      EXPECT_EQ(rows("SELECT * FROM fleet_outliers"), sorted(expected));
+    }
     EXPECT_EQ(expected.empty(), thousandths == 1'000'000);
   }
 }
@@ -257,10 +260,16 @@ TEST_F(Fleet, NamesTheRunSinceWhichANameLeaks) {
           ++leak.runs;
         }
       }
-      texts expected;
+      texts expected, in_view;
       for (const auto& [name, leak] : found) {
         expected.push_back(joined(name.first, release_of(*leak.first), leak.first->profile.name,
                                   leak.bytes, leak.runs, leak.last->profile.name, name.second));
+        in_view.push_back(joined(name_of(by), name.first, name.second, leak.first->profile.name,
+                                 leak.bytes, leak.runs, leak.last->profile.name));
+      }
+      const std::string view = "SELECT * FROM fleet_first_leaks WHERE key = '";
+      if (limit == 0) {
+        EXPECT_EQ(sorted(rows(view + std::string(name_of(by)) + "'")), sorted(in_view));
       }
       fleet_options options;
       options.by = by;
@@ -315,7 +324,7 @@ TEST_F(Fleet, FindsWhatGrewInTheLastRuns) {
   ASSERT_NO_FATAL_FAILURE(generate({60}));
   for (const measure of : {measure::leaked, measure::allocated}) {
     for (const std::size_t count : {2u, 3u, 5u, 20u, 21u}) {
-      texts expected;
+      texts expected, in_view;
       for (const auto& program : programs) {
         std::vector<const generated_run*> last;
         for (const auto& run : fleet_) {
@@ -331,6 +340,8 @@ TEST_F(Fleet, FindsWhatGrewInTheLastRuns) {
           if (!grows) continue;
           expected.push_back(joined(program, last.front()->profile.name, last.back()->profile.name,
                                     steps.front(), bytes, bytes - steps.front(), name));
+          in_view.push_back(joined("line", program, name, last.front()->profile.name,
+                                   last.back()->profile.name, steps.front(), bytes));
         }
       }
       fleet_options options;
@@ -338,9 +349,12 @@ TEST_F(Fleet, FindsWhatGrewInTheLastRuns) {
       options.runs = count;
       const auto answer = growth_of(store_, runs_, options, error_);
       ASSERT_TRUE(answer) << error_;
-      const auto rows = rows_of(*answer);
-      EXPECT_EQ(sorted(rows), sorted(expected)) << name_of(of) << ' ' << count;
-      const auto planted = std::count_if(rows.begin(), rows.end(), [](const std::string& row) {
+      const auto found = rows_of(*answer);
+      EXPECT_EQ(sorted(found), sorted(expected)) << name_of(of) << ' ' << count;
+      if (of == measure::leaked && count == 5) {
+        EXPECT_EQ(sorted(rows("SELECT * FROM fleet_growth WHERE key = 'line'")), sorted(in_view));
+      }
+      const auto planted = std::count_if(found.begin(), found.end(), [](const std::string& row) {
         return row.starts_with(programs[1]) && row.ends_with(growing_line);
       });
       if (of == measure::allocated) continue;

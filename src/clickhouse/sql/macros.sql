@@ -3,6 +3,15 @@
 -- stored:
 import IN (SELECT import FROM newest_import)
 
+-- The last five runs of each program that has so many.
+
+-- last_runs:
+(program, import) GLOBAL IN (
+      SELECT program, arrayJoin(arraySlice(arraySort(groupUniqArray(import)), -5)) AS last_import
+      FROM trace_everywhere WHERE {{stored}}
+      GROUP BY program HAVING length(groupUniqArray(import)) >= 5
+    )
+
 -- figures:
   sum(made_blocks) AS allocated_blocks,
   sum(made_bytes) AS allocated_bytes,

@@ -53,6 +53,51 @@ SELECT {{fleet_place}}, t.pid,
   COALESCE((SELECT SUM(g.leaked_bytes) FROM sum_by_id g WHERE g.trace = t.trace), 0) AS leaked_bytes
 FROM trace t JOIN run r ON r.run = t.run
 
+-- What a program had in each run, by the label "release", and its places in the order of figures.
+
+-- fleet_runs:
+one AS (
+  SELECT import_order, run, program, SUM(peak_bytes) AS peak, SUM(leaked_bytes) AS leaked
+  FROM ({{fleet_traces}}) GROUP BY import_order, run, program
+), named AS (
+  SELECT o.run, o.program, COALESCE(l.value, '') AS release, o.peak, o.leaked
+  FROM one o LEFT JOIN run_label l ON l.run = o.import_order AND l.key = 'release'
+), placed AS (
+  SELECT run, program, release, peak, leaked,
+    COUNT(*) OVER (PARTITION BY program, release) AS runs,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY peak) - 1 AS by_peak,
+    ROW_NUMBER() OVER (PARTITION BY program, release ORDER BY leaked) - 1 AS by_leaked
+  FROM named
+)
+
+-- What leaked in a run, by every kind of name.
+
+-- fleet_leaks:
+leaks AS (
+  SELECT key, import_order, run, program, name, SUM(leaked_bytes) AS leaked FROM (
+    SELECT 'id' AS key, {{fleet_place}}, n.name AS name, g.leaked_bytes
+    FROM sum_by_id g {{of_trace}} JOIN id_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'color' AS key, {{fleet_place}}, n.name || ' / ' || c.name AS name, g.leaked_bytes
+    FROM sum_by_color g {{of_trace}} JOIN id_name n ON n.trace = g.trace AND n.place = g.id
+    JOIN color_name c ON c.trace = g.trace AND c.place = g.place
+    UNION ALL
+    SELECT 'line' AS key, {{fleet_place}}, n.name AS name, g.leaked_bytes
+    FROM sum_by_line g {{of_trace}} JOIN line_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'function' AS key, {{fleet_place}}, {{function_text}} AS name, g.leaked_bytes
+    FROM sum_by_function g {{of_trace}}
+    JOIN function_name f ON f.trace = g.trace AND f.place = g.place
+    UNION ALL
+    SELECT 'process' AS key, {{fleet_place}}, n.name AS name, g.leaked_bytes
+    FROM sum_by_process g {{of_trace}}
+    JOIN process_name n ON n.trace = g.trace AND n.place = g.place
+    UNION ALL
+    SELECT 'query' AS key, {{fleet_place}}, n.text AS name, g.leaked_bytes
+    FROM sum_by_query g {{of_trace}} JOIN query_text n ON n.trace = g.trace AND n.place = g.place
+  ) WHERE leaked_bytes <> 0 GROUP BY key, import_order, run, program, name
+)
+
 -- process:
 p.pid AS process_pid, p.name AS process_name
 
