@@ -207,7 +207,7 @@ done
 
 if command -v heaptrack >/dev/null; then
   printf '\nA recording of a program that allocates all the time (medians of 5 turns)\n'
-  heaptrack -o recording "$tools/busy_program" 10000 >/dev/null 2>&1
+  heaptrack -o recording "$tools/busy_program" 11000 >/dev/null 2>&1
   for turn in 1 2 3 4 5; do
     rm -rf recorded
     echo "$("$tools/peak_memory" "$kivconvert" recording.zst -o recorded --pid 1)" \
