@@ -76,7 +76,8 @@ struct replay_of {
 void decode_only(const workload& work) {
   replay_of trace(work);
   const record_layout layout = trace.header.layout();
-  data_files files(trace.header.files(), trace.header.little_endian(), trace.disk, trace.silent);
+  data_files files(trace.header.files(), trace.header.little_endian(), layout, trace.disk,
+                   trace.silent);
   if (!files.rd_open()) std::abort();
   std::int64_t sum = 0;
   while (!files.eof()) {

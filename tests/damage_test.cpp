@@ -80,7 +80,8 @@ TEST(Damage, ACutFileLosesTheRecordThatWasCutAndNothingElse) {
 
 TEST(Damage, ANumberThatTheFileDoesNotWhollyHoldIsLeftAlone) {
   const unsigned char bytes[] = {1, 0, 0, 0, 2, 0, 9, 9, 9};  // the file has six of them
-  record_cursor cursor(bytes, 6, true);
+  record_cursor cursor(6, true);
+  cursor.go_on_in(bytes, 0);
   const std::uint32_t widths[] = {4, 4};
   std::uint32_t whole = 7, cut = 7;
   EXPECT_FALSE(cursor.read_all(widths, whole, cut));

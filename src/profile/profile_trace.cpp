@@ -21,9 +21,9 @@ class files_beside_header final : public disk_files {
   explicit files_beside_header(const std::string& header_path)
       : directory_(fs::path(header_path).parent_path()) {}
 
-  std::optional<bytes> read(const std::string& path, std::int64_t most) override {
-    if (auto found = disk_files::read(path, most)) return found;
-    return disk_files::read((directory_ / fs::path(path).filename()).string(), most);
+  std::optional<std::int64_t> open(const std::string& path) override {
+    if (const auto size = disk_files::open(path)) return size;
+    return disk_files::open((directory_ / fs::path(path).filename()).string());
   }
 
  private:
@@ -57,7 +57,6 @@ bool profile_trace(const std::string& header_path, profile& into, std::string& e
   losses.follow(reader);
   profiler observer(reader);
   reader.ReadEvents(observer);
-  files.release();
   observer.finish(into);
   into.losses = losses.found();
   return true;

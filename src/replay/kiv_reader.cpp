@@ -15,7 +15,7 @@ kiv_reader::kiv_reader(run_context& run, const kiv_hdr& header, file_source& fil
     : run_(run),
       header_(header),
       layout_(header.layout()),
-      files_(header.files(), header.little_endian(), files, run.faults),
+      files_(header.files(), header.little_endian(), layout_, files, run.faults),
       now_(header.start()),
       hash_locations_(std::make_unique<KivHashLoc_db>()),
       reserve_ids_(

@@ -10,7 +10,7 @@ namespace kiv {
 // Reads the fields of a record whose tag and size are read. Every field's width is the header's, so
 // one decoder serves writers with other integer and pointer sizes. A field that has no width, or
 // one that its member does not take, leaves the member as it is. Texts look into the file's bytes:
-// they hold until another data file is opened.
+// they hold until the next record is read.
 template <class Event>
 Event decode(record_cursor& cursor, const record_layout& layout) {
   Event event;

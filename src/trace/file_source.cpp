@@ -1,38 +1,43 @@
 #include "trace/file_source.h"
 
 #include <algorithm>
-
-#include "util/regular_file.h"
+#include <cstring>
 
 namespace kiv {
-namespace {
 
-// For a file that is a little longer than the one before.
-constexpr std::size_t room_for_longer_files = std::size_t{1} << 20;
-
-}  // namespace
-
-std::optional<file_source::bytes> disk_files::read(const std::string& path, std::int64_t most) {
-  regular_file input(path.c_str());
-  if (!input.is_open()) {
-    release();
+std::optional<std::int64_t> disk_files::open(const std::string& path) {
+  start_ = held_ = 0;
+  file_.emplace(path.c_str());
+  if (!file_->is_open()) {
+    file_.reset();
     return std::nullopt;
   }
-  const auto wanted = static_cast<std::size_t>(std::min(input.size(), most));
-  // Files of one size take the same pages: new ones cost more than reading into them. Never two
-  // files at once.
-  if (wanted > bytes_.size() || wanted < bytes_.size() / 2) {
-    release();
-    bytes_ = memory_pages(wanted, room_for_longer_files);
-  }
-  return bytes{{bytes_.data(), input.read(bytes_.data(), wanted)}, input.size()};
+  return file_->size();
 }
 
-std::optional<file_source::bytes> memory_files::read(const std::string& path, std::int64_t most) {
+std::span<const unsigned char> disk_files::bytes(std::size_t from, std::size_t least) {
+  const std::size_t passed = from - start_;
+  const std::size_t kept = held_ - passed;
+  const std::size_t wanted = std::max(least, usual_window);
+  if (wanted > size_) {
+    auto larger = std::make_unique_for_overwrite<unsigned char[]>(wanted);
+    std::copy_n(window_.get() + passed, kept, larger.get());
+    window_ = std::move(larger);
+    size_ = wanted;
+  } else if (passed != 0) {
+    std::memmove(window_.get(), window_.get() + passed, kept);
+  }
+  start_ = from;
+  held_ = kept + file_->read(window_.get() + kept, size_ - kept);
+  return {window_.get(), held_};
+}
+
+std::optional<std::int64_t> memory_files::open(const std::string& path) {
+  open_ = {};
   const auto entry = files_.find(path);
   if (entry == files_.end()) return std::nullopt;
-  const auto size = static_cast<std::int64_t>(entry->second.size());
-  return bytes{entry->second.first(static_cast<std::size_t>(std::min(size, most))), size};
+  open_ = entry->second;
+  return static_cast<std::int64_t>(open_.size());
 }
 
 }  // namespace kiv

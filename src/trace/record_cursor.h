@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <type_traits>
 
@@ -15,17 +16,36 @@ namespace kiv {
 // Where we are in the bytes of one data file. No read looks outside those bytes: a number that is
 // not wholly there keeps its value, a text ends with the file. Reads are bounded by the file, not
 // by the record, so a decoder that went wrong shows by its position at the record's end.
+//
+// A window of the file is in memory. Where needs_bytes() says no, a whole record can be read as if
+// all of the file were.
 class record_cursor {
  public:
   record_cursor() = default;
-  record_cursor(const unsigned char* bytes, std::size_t size, bool little_endian)
-      : bytes_(bytes), size_(size), little_endian_(little_endian) {}
+  // At the start of a file of so many bytes, none of which is in memory.
+  record_cursor(std::size_t size, bool little_endian)
+      : size_(size), little_endian_(little_endian) {}
 
   bool at_end() const { return position_ >= size_; }
-  std::size_t position() const { return position_; }  // bytes from the start of the file
+  bool needs_bytes() const { return position_ >= needed_at_; }
+  std::size_t position() const { return start_ + position_; }  // bytes from the start of the file
+  std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
+  // The file ends so many bytes behind the position.
+  void end_after(std::size_t bytes) { size_ = position_ + bytes; }
+  // Goes on in bytes of the file that begin at the position. `reach`: how many of them a record may
+  // look at; they are more, or all that are left of the file.
+  void go_on_in(std::span<const unsigned char> bytes, std::size_t reach) {
+    start_ += position_;
+    size_ -= position_;
+    position_ = 0;
+    bytes_ = bytes.data();
+    held_ = std::min(bytes.size(), size_);
+    needed_at_ = held_ == size_ ? size_ : held_ - reach;
+  }
 
   // The tag byte and the payload size that open a record; needs record_start_fits().
   static constexpr std::size_t record_start_size = 3;
+  static constexpr std::size_t max_size = 65535;  // of a payload
   bool record_start_fits() const { return left() >= record_start_size; }
   signed char read_tag() { return static_cast<signed char>(bytes_[position_++]); }
   std::uint32_t read_size() {
@@ -34,6 +54,11 @@ class record_cursor {
     record_end_ = position_ + size;
     return size;
   }
+  // The bytes in memory from the position on, and how to pass some of them.
+  std::span<const unsigned char> ahead() const { return {bytes_ + position_, held_ - position_}; }
+  void pass(std::size_t bytes) { position_ += bytes; }
+  bool little_endian() const { return little_endian_; }
+
   bool payload_fits() const { return record_end_ <= size_; }
   bool at_record_end() const { return position_ == record_end_; }
   void go_to_record_end() { position_ = record_end_; }
@@ -83,9 +108,9 @@ class record_cursor {
     return {reinterpret_cast<const char*>(start), length};
   }
 
- private:
   static constexpr std::size_t max_text = 65536;  // reaches behind the end of every record
 
+ private:
   // Out of line: nearly all fields are as wide as what they are read into.
   template <std::integral T>
   [[gnu::noinline]] void read_other_width(std::uint32_t width, T& value) {
@@ -106,7 +131,6 @@ class record_cursor {
     }
   }
 
-  std::size_t left() const { return position_ < size_ ? size_ - position_ : 0; }
   // Below 0 when the position is behind the end.
   std::int64_t signed_left() const {
     return static_cast<std::int64_t>(size_) - static_cast<std::int64_t>(position_);
@@ -132,10 +156,14 @@ class record_cursor {
     return static_cast<number>(load<Raw>(from, little_endian_));
   }
 
+  // All but `start_` count from the window's start.
   const unsigned char* bytes_ = nullptr;
-  std::size_t size_ = 0;
   std::size_t position_ = 0;
   std::size_t record_end_ = 0;
+  std::size_t size_ = 0;       // the file's end
+  std::size_t held_ = 0;       // the window's end
+  std::size_t needed_at_ = 0;  // from here on the window may hold too little, or the file ends
+  std::size_t start_ = 0;      // of the window in the file
   bool little_endian_ = true;
 };
 

@@ -24,6 +24,9 @@ class record_layout {
     widths_[static_cast<unsigned>(type)][field] = bytes;
   }
 
+  // What the numbers of a record take at most, in bytes, whatever its type.
+  std::uint64_t most_bytes_of_numbers() const;
+
   // The widths of a type's fields in bytes, max_fields of them; 0 for a field or a type that the
   // header does not define.
   const std::uint32_t* widths(kiv_type type) const {

@@ -105,9 +105,9 @@ void expect_round_trip(std::int32_t byte_order, std::int32_t address_width) {
   ASSERT_EQ(read.result, 0);
   disk_files disk;
   diagnostics faults;
-  data_files files(read.header.files(), read.header.little_endian(), disk, faults);
-  ASSERT_TRUE(files.rd_open());
   const record_layout layout = read.header.layout();
+  data_files files(read.header.files(), read.header.little_endian(), layout, disk, faults);
+  ASSERT_TRUE(files.rd_open());
   for (const auto& one : records) {
     SCOPED_TRACE(static_cast<char>(one.type));
     ASSERT_FALSE(files.eof());

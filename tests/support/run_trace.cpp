@@ -222,7 +222,7 @@ run_result run_trace(const trace& t, std::vector<std::string> args) {
 }
 
 run_result run_in_order(const std::string& cwd, const std::vector<std::string>& headers,
-                        int size_limit) {
+                        int size_limit, file_source* source) {
   run_result result = called(cwd, [&] {
     stream_diagnostics faults(0, std::cout, std::cerr);
     run_context context(faults);
@@ -233,8 +233,8 @@ run_result run_in_order(const std::string& cwd, const std::vector<std::string>& 
     int worst = 0;
     bool first = true;
     for (const std::string& header : headers) {
-      worst = std::max(
-          worst, process_file(output, disk, ".", header, options, std::exchange(first, false)));
+      worst = std::max(worst, process_file(output, source == nullptr ? disk : *source, ".", header,
+                                           options, std::exchange(first, false)));
     }
     return worst;
   });

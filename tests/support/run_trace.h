@@ -8,6 +8,10 @@
 
 #include "support/trace_builder.h"
 
+namespace kiv {
+class file_source;
+}
+
 namespace kiv::test {
 
 // A private directory, removed with everything in it when the object dies.
@@ -60,9 +64,10 @@ run_result run_kiv(const std::string& cwd, const std::vector<std::string>& args,
 // Runs it over one trace in a directory of its own, by the trace's header file.
 run_result run_trace(const trace& t, std::vector<std::string> args = {});
 
-// Replays header files, in this order, as the traces of one run over the directory `cwd`.
+// Replays header files, in this order, as the traces of one run over the directory `cwd`; their
+// data files come from the disk when no other source is given.
 run_result run_in_order(const std::string& cwd, const std::vector<std::string>& headers,
-                        int size_limit);
+                        int size_limit, file_source* source = nullptr);
 
 // "" when the texts are equal, else the number and both versions of the first line that differs.
 std::string first_difference(std::string_view expected, std::string_view actual);
