@@ -3,11 +3,16 @@
 #include <cstdint>
 #include <map>
 #include <random>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "replay/kiv_process.h"
+#include "replay/observer.h"
+#include "support/replay_in_memory.h"
 #include "support/run_trace.h"
+#include "support/stories.h"
 #include "support/trace_builder.h"
 
 // The call graph of a process, as its tables show it.
@@ -113,6 +118,110 @@ TEST(CallGraph, EachPairOfCallerAndCalleeHasOneArcNumberedByItsFirstCall) {
       if (callee.second == 0) continue;
       EXPECT_EQ(arcs.text(arc, "callee_function_name"), "f" + std::to_string(callee.second));
     }
+  }
+}
+
+// The call stack at each memory record.
+class stack_log : public replay_observer {
+ public:
+  stack_log(const kiv_reader& reader, bool follows) : reader_(reader), follows_(follows) {}
+
+  bool follows_calls() const override { return follows_; }
+  void memory_changed(const memory_change& change) override {
+    const KivProcess& process = *reader_.cc_curr_proc();
+    log << "record " << reader_.event_number() << ' ' << change.addr << ", process "
+        << process.pid() << " after " << process.flow_counter() << " calls:";
+    for (const Func_context& entry : process.stack()) {
+      log << ' ' << (entry.function == nullptr ? "none" : entry.function->name()) << " by "
+          << entry.arc;
+    }
+    log << '\n';
+  }
+
+  std::ostringstream log;
+
+ private:
+  const kiv_reader& reader_;
+  const bool follows_;
+};
+
+std::string stacks_of(trace& t, bool follows) {
+  diagnostics silent;
+  replay_in_memory replay(t, silent);
+  stack_log observer(replay.reader(), follows);
+  replay.reader().ReadEvents(observer);
+  return observer.log.str() + std::to_string(replay.reader().event_number());
+}
+
+// Calls of two processes, some of them from elsewhere than where the process stands, of functions
+// that are not there, or left more often than entered.
+void random_calls(trace& t, unsigned seed) {
+  std::minstd_rand random(seed);
+  const auto below = [&](std::uint32_t n) { return static_cast<std::uint32_t>(random()) % n; };
+  const auto number = [&] { return static_cast<std::int32_t>(below(16)) - 1; };
+  t.reserve(1, "oic:a").object(1).reserve(2, "oic:b").object(2).proc(7, "p").proc(8, "q");
+  for (const std::uint32_t process : {7u, 8u}) t.special(process, 0, "main").link(process, 1);
+  t.link(7, 2).schedule(0, 7);
+  for (std::uint32_t object : {1u, 2u}) {
+    for (int f = 1; f < 13; ++f) t.function(object, f, std::to_string(object) + std::to_string(f));
+  }
+  std::vector<std::pair<std::uint32_t, std::int32_t>> stack{{7, 0}};
+  for (int i = 0; i < 3'000; ++i) {
+    switch (below(16)) {
+      case 0:
+        t.schedule(0, 7 + below(2));
+        break;
+      case 1:
+        t.special(7 + below(2), number() % 2, "special" + std::to_string(i));
+        break;
+      case 2:
+        t.flow_in(below(4), number(), below(4), number());
+        break;
+      case 3:
+      case 4:
+        t.malloc_wf(1, 0, 16 * (i + 1), 8, 8);
+        break;
+      case 5:
+      case 6:
+      case 7:
+      case 8:
+      case 9:
+        t.flow_out();
+        if (stack.size() > 1) stack.pop_back();
+        break;
+      default: {
+        std::pair callee{1 + below(2), 1 + static_cast<std::int32_t>(below(12))};
+        if (below(6) == 0) callee.second = -static_cast<std::int32_t>(below(2));
+        t.flow_in(stack.back().first, stack.back().second, callee.first, callee.second);
+        stack.push_back(callee);
+      }
+    }
+  }
+}
+
+TEST(CallGraph, StacksAreTheSameWhetherOrNotEachCallIsFollowed) {
+  std::vector<story> stories = clean_stories();
+  stories.insert(stories.end(), damaged_stories().begin(), damaged_stories().end());
+  for (unsigned seed = 1; seed <= 6; ++seed) {
+    const auto calls = [=](trace& t) { random_calls(t, seed); };
+    stories.push_back({"calls", calls});
+    stories.push_back({"big-endian", [=](trace& t) { calls(t.big_endian()); }});
+    stories.push_back({"narrow numbers", [=](trace& t) { calls(t.width('I', "child_funnr", 2)); }});
+    stories.push_back({"one more field", [=](trace& t) { calls(t.extra_field('I')); }});
+    stories.push_back({"not declared", [=](trace& t) { calls(t.without_entry('O')); }});
+    stories.push_back({"files", [=](trace& t) { calls(t.split_after(5)); }});
+    stories.push_back({"cut", [=](trace& t) {
+                         calls(t.split_after(50));
+                         for (std::size_t i = 0; i < t.file_count(); ++i) {
+                           t.data(i).resize(t.data(i).size() - i % 20);
+                         }
+                       }});
+  }
+  for (const story& one : stories) {
+    SCOPED_TRACE(one.name);
+    trace t;
+    one.tell(t);
+    EXPECT_EQ(first_difference(stacks_of(t, true), stacks_of(t, false)), "");
   }
 }
 

@@ -44,6 +44,7 @@ class profiler final : public replay_observer {
   void query_opened() override;
   void query_ended(const KivQueryEvent& bracket) override;
   void program_marker(std::string_view text) override;
+  bool follows_calls() const override { return false; }
 
  private:
   struct bar {

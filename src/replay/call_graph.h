@@ -22,24 +22,19 @@ struct Func_loc {
   bool in_object() const { return function_number >= 1; }
 };
 
-// Object and number of a function in one word, different for different ones; 0 where they do not
-// fit and for the locations of a process itself.
-inline std::uint32_t short_function_name(std::uint32_t object_id, std::int32_t number) {
-  constexpr int few = 12, many = 19;  // bits
-  if (number <= 0) return 0;
-  const auto n = static_cast<std::uint32_t>(number);
-  if (object_id < 1u << few && n < 1u << many) return object_id << many | n;
-  if (object_id < 1u << many && n < 1u << few) return 1u << 31 | object_id << few | n;
-  return 0;
+// Object and number of a function, as records name it. 0 is no function's: numbers from 1 on are
+// those of functions, others those of a process's own locations.
+using function_key = std::uint64_t;
+constexpr function_key key_of_function(std::uint32_t object_id, std::int32_t number) {
+  return std::uint64_t{static_cast<std::uint32_t>(number)} << 32 | object_id;
 }
+constexpr bool names_function(function_key key) { return static_cast<std::int64_t>(key) >> 32 > 0; }
 
-// Some of the functions that a function calls, by the names that records give them, with their
-// numbers in the process and the arcs that lead to them.
+// Some of the functions that a function calls, with the arcs that lead to them.
 struct callee_list {
   static constexpr std::size_t length = 4;
 
-  std::array<std::uint32_t, length> names{};  // 0 from the first free place on
-  std::array<std::uint32_t, length> functions{};
+  std::array<function_key, length> callees{};  // 0 from the first free place on
   std::array<std::uint32_t, length> arcs{};
 };
 
@@ -76,10 +71,8 @@ struct FuncArc {
 // One entry of a call stack.
 struct Func_context {
   Func_rel* function;  // null for the base of a stack without special 0
-  std::uint32_t arc;   // through which the function was entered
-  // By which numbers the record named it; a base has none.
-  std::uint32_t object_id;
-  std::int32_t number;
+  function_key key;    // by which the record named it; 0 for a base
+  std::uint32_t arc;   // through which it was entered
   // An observer's name for the call path that ends here; 0 until it gives one.
   mutable std::uint32_t path = 0;
 };

@@ -98,6 +98,54 @@ void event_loop::on_schedule() {
   }
 }
 
+namespace {
+
+// The two numbers of four bytes that name a function.
+template <bool LittleEndian>
+function_key key_at(const unsigned char* bytes) {
+  if constexpr (LittleEndian) return load<std::uint64_t>(bytes, true);
+  return key_of_function(load<std::uint32_t>(bytes, false),
+                         static_cast<std::int32_t>(load<std::uint32_t>(bytes + 4, false)));
+}
+
+template <bool LittleEndian>
+std::size_t repeat_calls(KivProcess& process, std::span<const unsigned char> records,
+                         std::uint32_t& count) {
+  constexpr std::size_t start = record_cursor::record_start_size;
+  constexpr std::size_t entry_size = 16;
+  const unsigned char* at = records.data();
+  const unsigned char* const end = at + records.size();
+  const auto left = [&] { return static_cast<std::size_t>(end - at); };
+  for (; left() >= start; ++count) {
+    const std::uint32_t size = load<std::uint16_t>(at + 1, LittleEndian);
+    if (*at == kiv_e_flow_out && size == 0) {
+      process.s_pop();
+      at += start;
+    } else if (*at == kiv_e_flow_in && size == entry_size && left() >= start + entry_size &&
+               process.enter_again(key_at<LittleEndian>(at + start),
+                                   key_at<LittleEndian>(at + start + 8))) {
+      at += start + entry_size;
+    } else {
+      break;
+    }
+  }
+  return static_cast<std::size_t>(at - records.data());
+}
+
+}  // namespace
+
+void event_loop::repeat_calls() {
+  std::uint32_t count = 0;
+  KivProcess& process = *reader_.cc_curr_proc();
+  const auto records = cursor_.ahead();
+  cursor_.pass(cursor_.little_endian() ? kiv::repeat_calls<true>(process, records, count)
+                                       : kiv::repeat_calls<false>(process, records, count));
+  if (count == 0) return;
+  reader_.count_events(count);
+  reader_.context_changed();
+  process.count_flows(count);
+}
+
 void event_loop::on_flow_in() {
   const auto event = read<KivFlowIn>();
   reader_.context_changed();
@@ -105,11 +153,11 @@ void event_loop::on_flow_in() {
   Func_rel* caller = process.find_caller(event.parent_id, event.parent_funnr);
   const auto [callee, arc] = process.find_or_add_call(caller, event.child_id, event.child_funnr);
   if (callee == nullptr) return;
-  process.s_push({callee, arc, event.child_id, event.child_funnr});
+  process.s_push({callee, key_of_function(event.child_id, event.child_funnr), arc});
   if (diagnostics_.lists_records()) {
     diagnostics_.function_entered(process.stack_depth(), caller->name(), callee->name());
   }
-  process.count_flow();
+  process.count_flows(1);
   reader_.observer().function_entered(process, process.stack_depth(), arc);
 }
 
@@ -120,7 +168,7 @@ void event_loop::on_flow_out() {
   const Func_rel* left = top_function(process);
   const std::uint32_t depth = process.stack_depth();
   const std::uint32_t arc = process.current_arc();
-  process.count_flow();
+  process.count_flows(1);
   process.s_pop();
   if (diagnostics_.lists_records()) {
     diagnostics_.function_left(process.stack_depth(), name_of(top_function(process)),

@@ -1,5 +1,8 @@
 #include "replay/event_loop.h"
 
+#include <algorithm>
+#include <span>
+
 #include "replay/kiv_hashloc.h"
 #include "replay/kiv_query.h"
 #include "replay/observer.h"
@@ -10,13 +13,18 @@ event_loop::event_loop(kiv_reader& reader)
     : reader_(reader),
       cursor_(reader.files().cursor()),
       diagnostics_(reader.faults()),
-      counters_(reader.run().counters) {}
+      counters_(reader.run().counters),
+      repeats_calls_(!diagnostics_.lists_records() && !reader.observer().follows_calls() &&
+                     std::ranges::all_of(std::span(reader.layout().widths(kiv_e_flow_in), 4),
+                                         [](std::uint32_t width) { return width == 4; })) {}
 
 event_loop::~event_loop() = default;
 
 void event_loop::run() {
   reader_.observer().trace_began();
   while (!reader_.files().eof()) {
+    if (repeats_calls_) repeat_calls();
+    if (cursor_.at_end()) continue;
     const std::uint32_t event_number = reader_.count_event();
     // What the file does not wholly hold was cut off; the next file starts with a record again.
     if (!cursor_.record_start_fits()) {

@@ -73,6 +73,8 @@ class event_loop {
     return event;
   }
   void count_record();
+  // Applies the calls that come next, as far as they repeat earlier ones.
+  void repeat_calls();
   // Applies a record of memory.
   template <class Event>
   void book();
@@ -85,6 +87,9 @@ class event_loop {
   record_cursor& cursor_;
   diagnostics& diagnostics_;
   run_counters& counters_;
+  // Whether calls may be applied many at once: nobody looks at each, and their records are made of
+  // numbers of 4 bytes.
+  const bool repeats_calls_;
 
   // The statement that the last query-in of operation 'p' brought. The first query-out after it
   // gives it its number and hands it to the book of statements.

@@ -76,7 +76,7 @@ void KivProcess::link_oip(std::uint32_t object_id, const KivObject& object) {
 
 void KivProcess::start_stack() {
   const auto base = specials_.find(0);
-  s_push({base == specials_.end() ? nullptr : &base->second->function.relation, 0, 0, 0});
+  s_push({base == specials_.end() ? nullptr : &base->second->function.relation, 0, 0});
   stack_started_ = true;
 }
 
@@ -103,11 +103,11 @@ Func_rel* KivProcess::find_hosk_function(std::uint32_t object_id, std::int32_t n
   return found == 0 ? nullptr : functions_[found];
 }
 
-// The number of a special may have become another's since; other numbers stay those of a function.
+// As in enter_again(), not for specials.
 Func_rel* KivProcess::find_caller(std::uint32_t object_id, std::int32_t number) {
   if (!stack_.empty() && number > 0) {
     const Func_context& current = stack_.back();
-    if (current.object_id == object_id && current.number == number) return current.function;
+    if (current.key == key_of_function(object_id, number)) return current.function;
   }
   return find_function(object_id, number);
 }
@@ -119,35 +119,23 @@ std::uint32_t KivProcess::add_arc(Func_rel* from, Func_rel* to) {
 
 KivProcess::found_call KivProcess::find_or_add_call(Func_rel* caller, std::uint32_t object_id,
                                                     std::int32_t number) {
-  const std::uint32_t name = short_function_name(object_id, number);
-  if (caller != nullptr && name != 0) {
-    const callee_list* list = &caller->callees;
-    std::uint32_t further = caller->further;
-    while (true) {
-      for (std::size_t i = 0; i < callee_list::length; ++i) {
-        if (list->names[i] == name) return {functions_[list->functions[i]], list->arcs[i]};
-      }
-      if (further == 0) break;
-      list = &further_callees_[further - 1].list;
-      further = further_callees_[further - 1].further;
-    }
-  }
+  const function_key key = key_of_function(object_id, number);
   Func_rel* callee = nullptr;
-  std::uint32_t found = 0;
   if (number <= 0) {
     callee = find_function(object_id, number);
-  } else {
-    if (!stack_started_) start_stack();
-    found = find_in_object(object_id, number, false);
-    if (found != 0) callee = functions_[found];
+    if (caller == nullptr || callee == nullptr) return {};
+    return {callee, find_or_add_further_arc(caller, callee)};
   }
+  if (caller != nullptr) {
+    if (const found_call known = find_call(*caller, key); known.callee != nullptr) return known;
+  }
+  callee = find_function(object_id, number);
   if (caller == nullptr || callee == nullptr) return {};
-  callee_list* list = name == 0 ? nullptr : list_with_room(*caller);
+  callee_list* list = list_with_room(*caller);
   if (list == nullptr) return {callee, find_or_add_further_arc(caller, callee)};
   const auto place =
-      static_cast<std::size_t>(std::ranges::find(list->names, 0u) - list->names.begin());
-  list->names[place] = name;
-  list->functions[place] = found;
+      static_cast<std::size_t>(std::ranges::find(list->callees, 0u) - list->callees.begin());
+  list->callees[place] = key;
   list->arcs[place] = add_arc(caller, callee);
   return {callee, list->arcs[place]};
 }
@@ -155,7 +143,7 @@ KivProcess::found_call KivProcess::find_or_add_call(Func_rel* caller, std::uint3
 callee_list* KivProcess::list_with_room(Func_rel& caller) {
   callee_list* list = &caller.callees;
   std::uint32_t* further = &caller.further;
-  for (int lists = 1; list->names.back() != 0; ++lists) {
+  for (int lists = 1; list->callees.back() != 0; ++lists) {
     if (lists == max_callee_lists) return nullptr;
     if (*further == 0) {
       *further = static_cast<std::uint32_t>(further_callees_.size() + 1);

@@ -80,6 +80,9 @@ class KivProcess {
 
   // find_function() for the caller of a flow, which mostly stands on top of the stack.
   Func_rel* find_caller(std::uint32_t object_id, std::int32_t number);
+  // Enters a function that the one on top of the stack has called before. False, and nothing is
+  // done, where that does not apply.
+  bool enter_again(function_key caller, function_key callee);
   // A Hosk function of a linked object; null when there is none.
   Func_rel* find_hosk_function(std::uint32_t object_id, std::int32_t number);
 
@@ -93,7 +96,7 @@ class KivProcess {
   std::uint32_t stack_depth() const { return static_cast<std::uint32_t>(stack_.size()); }
   std::uint32_t current_arc() const { return stack_.empty() ? 0 : stack_.back().arc; }
   std::uint32_t flow_counter() const { return flow_counter_; }
-  void count_flow() { ++flow_counter_; }
+  void count_flows(std::uint32_t count) { flow_counter_ += count; }
   std::uint32_t add_arc(Func_rel* from, Func_rel* to);
   // A caller calls a function, as find_function() finds it; the first such call makes the arc. No
   // callee when either of them is null.
@@ -142,6 +145,8 @@ class KivProcess {
   // Where one more callee can stand; null when the caller has all the lists that it may.
   callee_list* list_with_room(Func_rel& caller);
   std::uint32_t find_or_add_further_arc(Func_rel* caller, Func_rel* callee);
+  // A call of a function that stands in the caller's lists.
+  found_call find_call(const Func_rel& caller, function_key callee) const;
   KivSymbol* find_symbol(std::int64_t sym) const;
 
   const std::uint32_t main_pid_;
@@ -179,5 +184,29 @@ class KivProcess {
   std::uint32_t flow_counter_ = 0;
   absl::btree_map<std::int64_t, std::unique_ptr<KivSymbol>> symbols_;  // by sym
 };
+
+inline KivProcess::found_call KivProcess::find_call(const Func_rel& caller,
+                                                    function_key callee) const {
+  const callee_list* list = &caller.callees;
+  std::uint32_t further = caller.further;
+  while (true) {
+    for (std::size_t i = 0; i < callee_list::length; ++i) {
+      if (list->callees[i] == callee) return {arcs_[list->arcs[i]].to, list->arcs[i]};
+    }
+    if (further == 0) return {};
+    list = &further_callees_[further - 1].list;
+    further = further_callees_[further - 1].further;
+  }
+}
+
+// The number of a special may have become another's since; other numbers stay those of a function.
+inline bool KivProcess::enter_again(function_key caller, function_key callee) {
+  if (!names_function(caller) || !names_function(callee)) return false;
+  if (stack_.empty() || stack_.back().key != caller) return false;
+  const auto [entered, arc] = find_call(*stack_.back().function, callee);
+  if (entered == nullptr) return false;
+  s_push({entered, callee, arc});
+  return true;
+}
 
 }  // namespace kiv

@@ -50,6 +50,7 @@ class kiv_reader {
   // The number of the record that is being read, decoded or not, from 1.
   std::uint32_t event_number() const { return event_number_; }
   std::uint32_t count_event() { return ++event_number_; }
+  void count_events(std::uint32_t count) { event_number_ += count; }
 
   // Replays every record of the data files, telling the observer what happens, and then closes the
   // times of all that is still open. Returns the run's record counter.

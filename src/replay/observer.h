@@ -75,6 +75,9 @@ class replay_observer {
   // The process still has its arcs and symbols.
   virtual void process_ended(const KivProcess& /*process*/) {}
 
+  // Whether the observer is told of function entries and exits one by one. Who only looks at call
+  // stacks need not be: a replay without is faster.
+  virtual bool follows_calls() const { return true; }
   // `depth`: entries on the call stack with the function's own; `arc`: through which it was
   // entered.
   virtual void function_entered(const KivProcess& /*process*/, std::uint32_t /*depth*/,
