@@ -53,7 +53,7 @@ bool profile_trace(const std::string& header_path, profile& into, std::string& e
 
   run_context context(losses);
   files_beside_header files(header_path);
-  kiv_reader reader(context, header, files, kiv_reader::id_books_of_processes::left_out);
+  kiv_reader reader(context, header, files, kiv_reader::row_books::left_out);
   losses.follow(reader);
   profiler observer(reader);
   reader.ReadEvents(observer);

@@ -88,7 +88,8 @@ void KivMalid::reset_id(bool verbose, std::int64_t cause_location) {
 }
 
 void KivMalid::tell_of_free(kiv_type type, std::int64_t cause_location) {
-  const memory_books books = find_memory_books(*this, *reader_.cc_curr_proc());
+  const memory_books books =
+      find_memory_books(reader_.reserve_ids(), *this, *reader_.cc_curr_proc());
   memory_change change{.type = type, .location = cause_location, .id = id, .books = &books};
   change.record = reader_.reserve_ids().count_free_of_id();
   const KivStatSize<std::uint64_t>& wf = book.stat.cur_wf;

@@ -40,7 +40,6 @@ KivProcess::KivProcess(KivReserveId_db& ids, diagnostics& faults)
 
 process_malid_stat* KivProcess::get_mc_stat(std::uint32_t malid) {
   if (malid == latest_malid_ && latest_book_ != nullptr) return latest_book_;
-  if (process_malid_stat* shared = ids_.shared_process_book()) return shared;
   auto& book = malid_stats_[malid];
   if (book == nullptr) book = ids_.make_process_book(malid);
   latest_malid_ = malid;
@@ -48,7 +47,7 @@ process_malid_stat* KivProcess::get_mc_stat(std::uint32_t malid) {
 }
 
 void KivProcess::release_wf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {
-  get_mc_stat(malid)->clearstats();
+  if (ids_.keeps_row_books()) get_mc_stat(malid)->clearstats();
   const auto s = static_cast<std::int64_t>(size);
   const auto t = static_cast<std::int64_t>(tot_size);
   statistics_.cur_wf.sub_sizes(s, t);
@@ -56,7 +55,7 @@ void KivProcess::release_wf(std::uint32_t malid, std::uint64_t size, std::uint64
 }
 
 void KivProcess::release_nf(std::uint32_t malid, std::uint64_t size, std::uint64_t tot_size) {
-  get_mc_stat(malid)->clearstats();
+  if (ids_.keeps_row_books()) get_mc_stat(malid)->clearstats();
   const auto s = static_cast<std::int64_t>(size);
   const auto t = static_cast<std::int64_t>(tot_size);
   statistics_.cur_nf.sub_sizes(s, t);

@@ -10,16 +10,14 @@
 
 namespace kiv {
 
-kiv_reader::kiv_reader(run_context& run, const kiv_hdr& header, file_source& files,
-                       id_books_of_processes id_books)
+kiv_reader::kiv_reader(run_context& run, const kiv_hdr& header, file_source& files, row_books books)
     : run_(run),
       header_(header),
       layout_(header.layout()),
       files_(header.files(), header.little_endian(), layout_, files, run.faults),
       now_(header.start()),
       hash_locations_(std::make_unique<KivHashLoc_db>()),
-      reserve_ids_(
-          std::make_unique<KivReserveId_db>(*this, id_books == id_books_of_processes::kept)),
+      reserve_ids_(std::make_unique<KivReserveId_db>(*this, books == row_books::kept)),
       objects_(std::make_unique<KivObject_db>()),
       processes_(std::make_unique<KivProcess_db>(static_cast<std::uint32_t>(header.pid()), now_,
                                                  *reserve_ids_, run.faults)),

@@ -28,14 +28,14 @@ class replay_observer;
 // observer ask for.
 class kiv_reader {
  public:
-  // The books of allocation ids within processes, and of their colours there: most of what a replay
-  // needs, for the rows of `memory` alone.
-  enum class id_books_of_processes : std::uint8_t { kept, left_out };
+  // The statistics of colours, and of allocation ids within processes: most of what a replay needs,
+  // for the rows of its tables alone.
+  enum class row_books : std::uint8_t { kept, left_out };
 
   // All three must outlive the reader. A header that could not be read has version 0 and an empty
   // file type; whether the trace is worth a replay is the caller's to say.
   kiv_reader(run_context& run, const kiv_hdr& header, file_source& files,
-             id_books_of_processes id_books = id_books_of_processes::kept);
+             row_books books = row_books::kept);
   kiv_reader(const kiv_reader&) = delete;
   kiv_reader& operator=(const kiv_reader&) = delete;
   ~kiv_reader();

@@ -15,10 +15,11 @@ constexpr std::uint64_t run_stat_divisor = 1000;
 
 }  // namespace
 
-KivReserveId_db::KivReserveId_db(kiv_reader& reader, bool per_process)
-    : reader_(reader), default_id_(reader, "Unknown Malloc ID"), global_(run_stat_divisor) {
-  if (!per_process) shared_process_book_.emplace();  // without colours
-}
+KivReserveId_db::KivReserveId_db(kiv_reader& reader, bool row_books)
+    : reader_(reader),
+      row_books_(row_books),
+      default_id_(reader, "Unknown Malloc ID"),
+      global_(run_stat_divisor) {}
 
 KivReserveId_db::malid_ptr KivReserveId_db::add_reserve_id(malid_ptr reserved) {
   const std::uint32_t id = reserved->id;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 
 #include "replay/kiv_malid.h"
 #include "util/number_table.h"
@@ -20,8 +19,8 @@ struct heap_total {
 // The book of allocation ids: number -> id. A number that was not reserved has the default id.
 class KivReserveId_db {
  public:
-  // `per_process`: whether every process keeps a book of each id; see shared_process_book().
-  KivReserveId_db(kiv_reader& reader, bool per_process);
+  // `row_books`: whether every process keeps a book of each id, and colours have theirs.
+  KivReserveId_db(kiv_reader& reader, bool row_books);
 
   // Never null.
   KivMalid* get_reserve_id(std::uint32_t id) const {
@@ -49,11 +48,7 @@ class KivReserveId_db {
     return process_books_.make(get_reserve_id(id)->color_count());
   }
 
-  // Where nobody asks for the books of ids within processes, the one that takes what belongs into
-  // any of them; else null.
-  process_malid_stat* shared_process_book() {
-    return shared_process_book_ ? &*shared_process_book_ : nullptr;
-  }
+  bool keeps_row_books() const { return row_books_; }
 
   // Book an event in the run-wide bundle; return its memory record number.
   std::uint64_t update_wf(std::uint32_t size, std::uint32_t tot_size) {
@@ -90,7 +85,7 @@ class KivReserveId_db {
   kiv_reader& reader_;
   object_pool<KivMalid> pool_;
   object_pool<process_malid_stat> process_books_;
-  std::optional<process_malid_stat> shared_process_book_;
+  const bool row_books_;
   number_table<malid_ptr> ids_;
   mutable KivMalid default_id_;
   KivMalid* current_ = nullptr;  // the id reserved last

@@ -89,6 +89,7 @@ void update_stats(kiv_reader& reader, const KivMallocNF& event) {
 }
 
 void update_stats(kiv_reader& reader, const KivFree& event) {
+  KivReserveId_db& ids = reader.reserve_ids();
   const memory_books books = find_books(reader, event);
   memory_change change = change_of(event, books);
   live_block block{};  // of no size when none is live at the address
@@ -96,14 +97,14 @@ void update_stats(kiv_reader& reader, const KivFree& event) {
   if (ended) {
     books.id->book.stat.add_fr(block.size, block.tot_size);
     // The block's own colour, which the record may contradict.
-    if (auto* allocated_under = books.id->book.find_color(block.color)) {
-      allocated_under->add_fr_sizes(block.size, block.tot_size);
-    }
+    auto* const allocated_under =
+        ids.keeps_row_books() ? books.id->book.find_color(block.color) : nullptr;
+    if (allocated_under != nullptr) allocated_under->add_fr_sizes(block.size, block.tot_size);
   } else {
     reader.faults().freed_block_missing(event.addr);
   }
   books.process.update_fr(block.size, block.tot_size);
-  change.record = reader.reserve_ids().update_fr(block.size, block.tot_size);
+  change.record = ids.update_fr(block.size, block.tot_size);
   change.size = block.size;
   change.tot_size = block.tot_size;
   change.size_change = -std::int64_t{block.size};
