@@ -22,31 +22,37 @@ call_paths::call_paths(const kiv_reader& reader) : reader_(reader) {
 // An entry keeps its path plus one, since the empty path is a path too.
 std::uint32_t call_paths::current(const KivProcess& process) {
   const std::vector<Func_context>& stack = process.stack();
-  std::size_t known = stack.size();
-  while (known > 0 && stack[known - 1].path == 0) --known;
-  std::uint32_t path = known == 0 ? 0 : stack[known - 1].path - 1;
-  for (std::size_t i = known; i < stack.size(); ++i) {
-    if (stack[i].function != nullptr) path = step_into(path, *stack[i].function);
-    stack[i].path = path + 1;
+  const Func_context* const bottom = stack.data();
+  const Func_context* const top = bottom + stack.size();
+  const Func_context* entry = top;
+  while (entry != bottom && entry[-1].path == 0) --entry;
+  std::uint32_t path = entry == bottom ? 0 : entry[-1].path - 1;
+  for (; entry != top; ++entry) {
+    if (entry->function != nullptr) path = step_into(path, *entry->function);
+    entry->path = path + 1;
   }
   return path;
 }
 
-std::uint32_t call_paths::step_into(std::uint32_t parent, const Func_rel& function) {
-  const std::uint32_t place = function_of(function);
-  if (const std::uint32_t known = find(parent, place); known != 0) return known;
-  if (nodes_.size() < max_paths) return add(parent, place);
-  ++calls_left_out_;
-  return parent;
+inline std::uint32_t call_paths::step_into(std::uint32_t parent, const Func_rel& function) {
+  const std::uint32_t place =
+      function.observed_as != 0 ? function.observed_as - 1 : number_function(function);
+  const node* const nodes = nodes_.data();
+  for (std::uint32_t path = nodes[parent].first_child; path != 0; path = nodes[path].next) {
+    if (nodes[path].function == place) return path;
+  }
+  return find_or_add(parent, place);
 }
 
-std::uint32_t call_paths::find(std::uint32_t parent, std::uint32_t function) const {
-  for (std::uint32_t path = nodes_[parent].first_child; path != 0; path = nodes_[path].next) {
-    if (nodes_[path].function == function) return path;
+// For a path that is not in its caller's list.
+std::uint32_t call_paths::find_or_add(std::uint32_t parent, std::uint32_t function) {
+  if (nodes_[parent].followed == max_followed) {
+    const auto entry = index_.find({parent, function});
+    if (entry != index_.end()) return entry->second;
   }
-  if (nodes_[parent].followed < max_followed) return 0;
-  const auto entry = index_.find({parent, function});
-  return entry == index_.end() ? 0 : entry->second;
+  if (nodes_.size() < max_paths) return add(parent, function);
+  ++calls_left_out_;
+  return parent;
 }
 
 std::uint32_t call_paths::add(std::uint32_t parent, std::uint32_t function) {
@@ -63,8 +69,7 @@ std::uint32_t call_paths::add(std::uint32_t parent, std::uint32_t function) {
 }
 
 // What a number was given to keeps it plus one.
-std::uint32_t call_paths::function_of(const Func_rel& function) {
-  if (function.observed_as != 0) return function.observed_as - 1;
+std::uint32_t call_paths::number_function(const Func_rel& function) {
   const Func_loc* location = function.location;
   if (location == nullptr) {
     function.observed_as = find_or_add_function(nullptr) + 1;

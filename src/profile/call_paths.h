@@ -41,9 +41,9 @@ class call_paths {
   static constexpr std::uint32_t max_followed = 8;
 
   std::uint32_t step_into(std::uint32_t parent, const Func_rel& function);
-  std::uint32_t find(std::uint32_t parent, std::uint32_t function) const;  // 0: none
+  std::uint32_t find_or_add(std::uint32_t parent, std::uint32_t function);
   std::uint32_t add(std::uint32_t parent, std::uint32_t function);
-  std::uint32_t function_of(const Func_rel& function);
+  std::uint32_t number_function(const Func_rel& function);
   std::uint32_t find_or_add_function(const Func_loc* location);
 
   static constexpr std::size_t max_paths = 1'000'000;

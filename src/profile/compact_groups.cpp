@@ -6,6 +6,28 @@
 
 namespace kiv {
 
+compact_groups::full_figures& compact_groups::full_figures::operator=(const group_figures& from) {
+  *this = full_figures();
+  return *this += from;
+}
+
+compact_groups::full_figures& compact_groups::full_figures::operator+=(const group_figures& more) {
+  for (std::size_t i = 0; i < figure_count; ++i) {
+    amounts[place_of(static_cast<figure>(i))] += more.figures[i];
+  }
+  resizes += more.resizes;
+  return *this;
+}
+
+compact_groups::full_figures::operator group_figures() const {
+  group_figures figures;
+  for (std::size_t i = 0; i < figure_count; ++i) {
+    figures.figures[i] = amounts[place_of(static_cast<figure>(i))];
+  }
+  figures.resizes = resizes;
+  return figures;
+}
+
 compact_groups::place compact_groups::add(const compact_key& key) {
   if (released_ > 0) {
     --released_;
@@ -79,7 +101,7 @@ bool compact_groups::pack(const group_figures& figures, group& into) {
   return true;
 }
 
-group_figures& compact_groups::widen(group& one) {
+compact_groups::full_figures& compact_groups::widen(group& one) {
   if (has_full(one)) return full(one);
   const group_figures figures = unpacked(one);
   if (!free_full_.empty()) {
@@ -100,7 +122,7 @@ void compact_groups::settle_peak(group& changed) {
   if (changed.peaks_seen == peaks_) return;
   changed.peaks_seen = peaks_;
   if (has_full(changed)) {
-    group_figures& figures = full(changed);
+    full_figures& figures = full(changed);
     figures[figure::at_peak] = figures[figure::live];
   } else if (is_single(changed, figure::live)) {
     changed.state |= single_at_peak;
@@ -123,7 +145,7 @@ void compact_groups::make_block(place which, std::uint64_t size, std::uint64_t t
     changed.tot_size = static_cast<std::uint32_t>(tot_size);
     return;
   }
-  group_figures& figures = widen(changed);
+  full_figures& figures = widen(changed);
   const amount block{1, size, tot_size};
   figures[figure::made] += block;
   figures[figure::live] += block;
@@ -133,7 +155,7 @@ void compact_groups::resize_block(place which, std::uint64_t size_change,
                                   std::uint64_t tot_size_change) {
   group& changed = at(which);
   settle_peak(changed);
-  group_figures& figures = widen(changed);
+  full_figures& figures = widen(changed);
   figures[figure::live] += {0, size_change, tot_size_change};
   ++figures.resizes;
 }
@@ -145,7 +167,7 @@ void compact_groups::end_block(place which, figure how, const amount& block) {
     changed.state = (changed.state & ~single_state) | static_cast<std::uint32_t>(how);
     return;
   }
-  group_figures& figures = widen(changed);
+  full_figures& figures = widen(changed);
   figures[figure::live] -= block;
   figures[how] += block;
 }
@@ -161,7 +183,7 @@ void compact_groups::count_temporary(place which, const amount& block) {
 
 group_figures compact_groups::get(place which) const {
   const group& one = at(which);
-  return has_full(one) ? full(one) : unpacked(one);
+  return has_full(one) ? group_figures(full(one)) : unpacked(one);
 }
 
 void compact_groups::add(place which, const group_figures& more) {
@@ -193,11 +215,11 @@ bool compact_groups::is_over(place which) const {
 }
 
 void compact_groups::save(place which, std::string& into) {
-  static_assert(std::is_trivially_copyable_v<group> && std::is_trivially_copyable_v<group_figures>);
+  static_assert(std::is_trivially_copyable_v<group> && std::is_trivially_copyable_v<full_figures>);
   group& one = at(which);
   settle_peak(one);
   into.append(reinterpret_cast<const char*>(&one), sizeof one);
-  if (has_full(one)) into.append(reinterpret_cast<const char*>(&full(one)), sizeof(group_figures));
+  if (has_full(one)) into.append(reinterpret_cast<const char*>(&full(one)), sizeof(full_figures));
 }
 
 void compact_groups::forget(place which) {
@@ -213,11 +235,11 @@ bool compact_groups::load(std::string_view& saved, place which) {
   group one;
   std::memcpy(&one, saved.data(), sizeof one);
   std::size_t length = sizeof one;
-  if (has_full(one)) length += sizeof(group_figures);
+  if (has_full(one)) length += sizeof(full_figures);
   if (saved.size() < length) return false;
   group& loaded = at(which);
   if (has_full(one)) {
-    std::memcpy(&widen(loaded), saved.data() + sizeof one, sizeof(group_figures));
+    std::memcpy(&widen(loaded), saved.data() + sizeof one, sizeof(full_figures));
     loaded.key = one.key;
     loaded.peaks_seen = one.peaks_seen;
   } else {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -91,15 +93,33 @@ class compact_groups {
     std::uint32_t peaks_seen = 0;  // the number, modulo 2^32, of the latest peak that counts here
   };
 
+  // The figures of a group. What the making of a block changes lies side by side, and so does what
+  // its end changes: they are in the cache together.
+  struct full_figures {
+    full_figures& operator=(const group_figures& from);
+    full_figures& operator+=(const group_figures& more);
+    operator group_figures() const;
+    amount& operator[](figure which) { return amounts[place_of(which)]; }
+    const amount& operator[](figure which) const { return amounts[place_of(which)]; }
+    static constexpr std::size_t place_of(figure which) {
+      constexpr std::array<std::uint8_t, figure_count> places = {3, 1, 5, 6, 7, 2, 4, 0};
+      return places[static_cast<std::size_t>(which)];
+    }
+
+    // Temporary, freed, live, made; then the others.
+    std::array<amount, figure_count> amounts{};
+    std::uint64_t resizes = 0;
+  };
+
   static constexpr place chunk_size = 1024;
   static constexpr place full_chunk_size = 128;
 
   group& at(place which) { return chunks_[which / chunk_size][which % chunk_size]; }
   const group& at(place which) const { return chunks_[which / chunk_size][which % chunk_size]; }
-  group_figures& full(const group& one) {
+  full_figures& full(const group& one) {
     return full_[one.state / full_chunk_size][one.state % full_chunk_size];
   }
-  const group_figures& full(const group& one) const {
+  const full_figures& full(const group& one) const {
     return full_[one.state / full_chunk_size][one.state % full_chunk_size];
   }
   static bool has_full(const group& one) { return (one.state & single) == 0; }
@@ -113,11 +133,11 @@ class compact_groups {
   static bool pack(const group_figures& figures, group& into);
 
   void settle_peak(group& changed);
-  group_figures& widen(group& one);
+  full_figures& widen(group& one);
   void forget_full(const group& one);
 
   std::vector<std::vector<group>> chunks_;  // all full but the last
-  std::vector<std::vector<group_figures>> full_;
+  std::vector<std::vector<full_figures>> full_;
   std::vector<std::uint32_t> free_full_;
   place size_ = 0;
   std::size_t released_ = 0;

@@ -23,8 +23,12 @@ group_table::handle group_table::find_or_add(const group_key& key) {
     const handle* group = known ? index_.find(*known) : nullptr;
     return group != nullptr ? *group : fold(key);
   }
-  return group_with({lines_.add(key.location), key.path, origins_.add(key.id, key.color),
-                     contexts_.add({key.process, key.query, key.no_free})});
+  const compact_key compact = {lines_.add(key.location), key.path, origins_.add(key.id, key.color),
+                               contexts_.add({key.process, key.query, key.no_free})};
+  if (key.path >= latest_.size()) latest_.resize(key.path + 1);
+  handle& latest = latest_[key.path];
+  if (latest == 0 || groups_.key(latest - 1) != compact) latest = group_with(compact) + 1;
+  return latest - 1;
 }
 
 std::optional<compact_key> group_table::known_key(const group_key& key) const {
@@ -51,6 +55,7 @@ group_table::handle group_table::set_query(handle which, std::uint64_t query) {
   if (changed.query != group_key::open_query) return which;
   changed.query = query;
   key.context = contexts_.add(changed);
+  if (key.path < latest_.size()) latest_[key.path] = 0;
   index_.erase(which);
   groups_.set_key(which, key);
   const handle kept = index_.find_or_insert(which);
@@ -86,6 +91,7 @@ void group_table::set_aside() {
   // Going over all groups pays when many have come since.
   const std::size_t left = groups_.size() - groups_.released();
   if (set_aside_at_ < max_groups) set_aside_at_ = std::max(least_groups_to_set_aside, 2 * left);
+  latest_.clear();
   // Made anew it is faster than with the gaps of so many that are gone.
   index_.clear();
   index_.reserve(set_aside_at_);
@@ -114,6 +120,7 @@ void group_table::bring_back() {
 
 block_groups group_table::take(name_lists& names) {
   index_.clear();
+  latest_ = {};
   bring_back();
   block_groups::key_parts parts;
   for (const auto& location : lines_.all()) {

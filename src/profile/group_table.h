@@ -88,6 +88,9 @@ class group_table {
   location_numbers lines_;
   color_numbers origins_;
   numbering<context> contexts_;
+  // By path, the group that was asked for last; one more than its place, 0: none. Mostly it is the
+  // one that the next block of the path belongs to.
+  std::vector<handle> latest_;
   std::uint64_t blocks_folded_ = 0;
 
   scratch_file aside_;

@@ -6,8 +6,8 @@
 
 namespace kiv {
 
-// What is kept of an allocation while it is live.
-struct live_block {
+// What is kept of an allocation while it is live; never in two lines of the processor's cache.
+struct alignas(32) live_block {
   std::int64_t addr;
   std::uint64_t record;  // memory record number of the allocation or of its last reallocation
   std::uint32_t size;
