@@ -1,5 +1,5 @@
-// Whole traces: any bytes as the records of a trace, replayed from memory. The tables are put
-// together and thrown away: their directory does not exist.
+// Whole traces: any bytes as the records of a trace, replayed from memory, a window at a time. The
+// tables are put together and thrown away: their directory does not exist.
 
 #include <cstdlib>
 #include <sstream>
@@ -7,6 +7,8 @@
 
 #include "kiv/stream_diagnostics.h"
 #include "replay/kiv_reader.h"
+#include "replay/observer.h"
+#include "support/sparing_files.h"
 #include "tables/kiv_tables.h"
 #include "tables/run_output.h"
 #include "trace/file_source.h"
@@ -23,6 +25,12 @@ std::span<const unsigned char> as_bytes(std::string_view text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
+// Has calls applied many at once.
+class without_calls : public replay_observer {
+ public:
+  bool follows_calls() const override { return false; }
+};
+
 void replay(const trace_input& input) {
   const std::size_t cut = input.two_files ? input.records.size() / 2 : input.records.size();
   memory_files files;
@@ -37,11 +45,16 @@ void replay(const trace_input& input) {
   XmlParser parser(faults);
   kiv_hdr header(parser);
   if (header.read_document(input.header("first", "second"), "header") != 0) std::abort();
-  kiv_reader reader(context, header, files);
+  test::sparing_files windows(files);
+  kiv_reader reader(context, header, windows);
   constexpr int small = 2000, unlimited = 1 << 30;
   kiv_tables tables(reader, output, nowhere, "", true, input.small_files ? small : unlimited);
   reader.ReadEvents(tables);
   tables.write_end_tables();
+
+  run_context again(faults);
+  without_calls nobody;
+  kiv_reader(again, header, windows).ReadEvents(nobody);
 }
 
 }  // namespace

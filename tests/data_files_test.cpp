@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "same_tables.h"
 #include "support/run_trace.h"
+#include "support/sparing_files.h"
 #include "support/stories.h"
 #include "trace/data_files.h"
 #include "trace/diagnostics.h"
@@ -22,28 +21,12 @@
 namespace kiv::test {
 namespace {
 
-// Gives no byte more than was asked for, each time in memory of their own: who looks behind them,
-// or at those of an earlier call, is caught by the sanitizers or reads something else.
-class sparing_files : public disk_files {
- public:
-  std::span<const unsigned char> bytes(std::size_t from, std::size_t least) override {
-    const auto given = disk_files::bytes(from, least);
-    const auto part = given.first(std::min(least, given.size()));
-    std::vector<unsigned char> copy(part.begin(), part.end());
-    std::ranges::fill(given_, std::uint8_t{0xa5});
-    given_ = std::move(copy);
-    return given_;
-  }
-
- private:
-  std::vector<unsigned char> given_;
-};
-
 void expect_windows_make_no_difference(const trace& t) {
   const temp_dir whole, sparing;
   ASSERT_TRUE(t.write(whole.path(), ".") && t.write(sparing.path(), "."));
   const run_result expected = run_in_order(whole.path(), {t.header_name()}, 1 << 30);
-  sparing_files files;
+  disk_files disk;
+  sparing_files files(disk);
   const run_result actual = run_in_order(sparing.path(), {t.header_name()}, 1 << 30, &files);
   expect_same_tables(expected, actual);
   EXPECT_EQ(first_difference(expected.out, actual.out), "");
