@@ -179,7 +179,7 @@ void random_calls(trace& t, unsigned seed) {
         break;
       case 3:
       case 4:
-        t.malloc_wf(1, 0, 16 * (i + 1), 8, 8);
+        t.malloc_wf(1, 0, std::int64_t{16} * (i + 1), 8, 8);
         break;
       case 5:
       case 6:
