@@ -222,6 +222,8 @@ if command -v heaptrack >/dev/null; then
   done
   limit 'kivconvert and report against heaptrack_print: wall' \
     "$(awk '{ printf "%.2f\n", ($2 + $4) / $6 }' turns | median)" 2
+  limit 'report of the recording against heaptrack_print: wall' \
+    "$(awk '{ printf "%.2f\n", $4 / $6 }' turns | median)" 1
 fi
 
 printf '\nLimits                                                       measured    at most\n'
