@@ -178,8 +178,7 @@ compare_report() {
     "$(cut -d ' ' -f 4 pairs | median)" "$ratio" "$peak"
 }
 compare_report memory_many
-limit "report: KiB, $live_many live blocks" "$peak" \
-  "$((24 * 1024 + live_many * 72 / 1024))"
+limit "report: KiB, $live_many live blocks" "$peak" 49152
 compare_report flow_many
 limit 'report against kiv: wall, flow-heavy' "$ratio" 0.7
 for run in SQL1 MIX; do compare_report $run; done
