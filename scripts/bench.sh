@@ -152,7 +152,7 @@ whole_run() {
 whole_run memory_few
 few_live=$live few_peak=$peak
 whole_run memory_many
-limit "kiv: KiB, $live live blocks" "$peak" 13824
+limit "kiv: KiB, $live live blocks" "$peak" 16384
 live_many=$live
 per_block=$(((peak - few_peak) * 1024 / (live - few_live)))
 whole_run flow_many
