@@ -217,6 +217,12 @@ TEST(CallGraph, StacksAreTheSameWhetherOrNotEachCallIsFollowed) {
                          }
                        }});
   }
+  stories.push_back({"calls beyond windows", [](trace& t) {
+                       random_calls(t, 1);
+                       t.flow_in(7, 0, 1, 1);
+                       for (int i = 0; i < 20'000; ++i) t.flow_in(1, 1, 1, 2).flow_out();
+                       t.malloc_wf(1, 0, 8, 8, 8);
+                     }});
   for (const story& one : stories) {
     SCOPED_TRACE(one.name);
     trace t;

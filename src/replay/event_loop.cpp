@@ -24,7 +24,7 @@ void event_loop::run() {
   reader_.observer().trace_began();
   while (!reader_.files().eof()) {
     if (repeats_calls_) repeat_calls();
-    if (cursor_.at_end()) continue;
+    if (cursor_.needs_bytes()) continue;
     const std::uint32_t event_number = reader_.count_event();
     // What the file does not wholly hold was cut off; the next file starts with a record again.
     if (!cursor_.record_start_fits()) {

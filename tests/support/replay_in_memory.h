@@ -6,6 +6,7 @@
 #include <string>
 
 #include "replay/kiv_reader.h"
+#include "support/sparing_files.h"
 #include "support/trace_builder.h"
 #include "trace/diagnostics.h"
 #include "trace/file_source.h"
@@ -14,7 +15,8 @@
 
 namespace kiv::test {
 
-// The replay of a trace that was never written to a disk. The trace must outlive it.
+// The replay of a trace that was never written to a disk, through the shortest windows. The trace
+// must outlive it.
 class replay_in_memory {
  public:
   explicit replay_in_memory(trace& t, diagnostics& faults)
@@ -25,7 +27,7 @@ class replay_in_memory {
                  {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
     }
     header_.read_document(t.header("."), "header");
-    reader_.emplace(context, header_, files_);
+    reader_.emplace(context, header_, windows_);
   }
 
   kiv_reader& reader() { return *reader_; }
@@ -36,6 +38,7 @@ class replay_in_memory {
   XmlParser parser_;
   kiv_hdr header_;
   memory_files files_;
+  sparing_files windows_{files_};
   std::optional<kiv_reader> reader_;
 };
 
